@@ -1,0 +1,69 @@
+#include "driver/compilation.h"
+
+#include <cstdlib>
+#include <iostream>
+
+ModuleTable* Compilation::ModTable = nullptr;
+ModuleTable* Compilation::QncModTable = nullptr;
+class_qn_parser* Compilation::pqn_parser = nullptr;
+std::string* Compilation::EmptyString = new std::string();
+DataTypeTable* Compilation::GDataTypeTable = nullptr;
+DataMethodTable* Compilation::GDataMethodTable = nullptr;
+DataConstantTable* Compilation::GDataConstantTable = nullptr;
+
+bool Compilation::DebugFlag = false, Compilation::PureSimulFlag = false,
+     Compilation::ValuedSimulFlag = false, Compilation::QuarnsFlag = false,
+     Compilation::MainFlag = false, Compilation::SaveFlag = false, Compilation::HelpFlag = false,
+     Compilation::VersionFlag = false, Compilation::KeepWiresFlag = false,
+     Compilation::ForgetLocalsNameFlag = false, Compilation::CheckOverKnowledgeFlag = false,
+     Compilation::SMVFlag = false, Compilation::CFlag = false, Compilation::CSHARPFlag = false,
+     Compilation::BLIFFlag = false, Compilation::VHDLALTERAFlag = false;
+
+std::string Compilation::createSETName(const std::string& s) { return "SET" + s; }
+std::string Compilation::createRESETName(const std::string& s) { return "RESET" + s; }
+std::string Compilation::createRTLName(const std::string& s) { return "RTL" + s; }
+std::string Compilation::createRTLName(const std::string& s, long n) {
+  return "RTL" + s + std::to_string(n);
+}
+std::string Compilation::createACTIFName(const std::string& s) { return "ACTIF" + s; }
+std::string Compilation::createACTIFName(const std::string& s, long n) {
+  return "ACTIF" + s + std::to_string(n);
+}
+std::string Compilation::createACTIFPLUSName(const std::string& s) { return "ACTIFPLUS" + s; }
+std::string Compilation::createACTIFPLUSName(const std::string& s, long n) {
+  return "ACTIFPLUS" + s + std::to_string(n);
+}
+std::string Compilation::createACTIFBISName(const std::string& s) { return "ACTIFBIS" + s; }
+std::string Compilation::createACTIFBISPLUSName(const std::string& s) {
+  return "ACTIFBISPLUS" + s;
+}
+
+// TODO(driver): show the alert box when a display is reachable.
+void Compilation::fatal(const std::string& text) {
+  std::cerr << text << std::endl;
+  std::exit(1);
+}
+
+void Compilation::ModulePertFailureException() { fatal("Error: PERT failure ... "); }
+void Compilation::IllegalOperationException(const std::string& s) {
+  fatal("Error: Illegal operation!\n" + s);
+}
+void Compilation::AbstractMethodCallException(const std::string& s) {
+  fatal("Error: calling Abstract method: " + s);
+}
+void Compilation::AlreadyDefinedException(const std::string& s) {
+  fatal("Error: Already defined : " + s);
+}
+void Compilation::ModuleUndefinedConstantException(const std::string& s) {
+  fatal("Error: Undefined constant: " + s);
+}
+void Compilation::UndefinedMethodException(const std::string& s) {
+  fatal("Error: Undefined method: " + s);
+}
+void Compilation::UndefinedTypeException(const std::string& s) {
+  fatal("Error: Undefined type: " + s);
+}
+void Compilation::HashTableAddException(const std::string& table, const std::string& key) {
+  std::string text = table.empty() ? "Exception in Hash Table:" : "Exception in Hash Table: " + table + ":";
+  fatal(text + " add:" + key + " is already defined");
+}
