@@ -8,6 +8,8 @@
 #include <iostream>
 #include <new>
 
+#include <sys/mman.h>
+
 namespace {
 
 constexpr uint32_t kEmpty = 0xFFFFFFFFu;
@@ -31,6 +33,30 @@ inline uint32_t mix(uint32_t a, uint32_t b, uint32_t c) {
 }
 
 }  // namespace
+
+namespace bdd_detail {
+
+constexpr size_t kHugePage = size_t(1) << 21;
+
+void* Allocate_table(size_t bytes) {
+  if (bytes < kHugePage) return ::operator new(bytes, std::align_val_t(64));
+  size_t rounded = (bytes + kHugePage - 1) & ~(kHugePage - 1);
+  void* p = ::operator new(rounded, std::align_val_t(kHugePage));
+#ifdef MADV_HUGEPAGE
+  madvise(p, rounded, MADV_HUGEPAGE);
+#endif
+  return p;
+}
+
+void Free_table(void* p, size_t bytes) {
+  if (p == nullptr) return;
+  if (bytes < kHugePage)
+    ::operator delete(p, std::align_val_t(64));
+  else
+    ::operator delete(p, std::align_val_t(kHugePage));
+}
+
+}  // namespace bdd_detail
 
 std::string Bdd_version() { return "4.7"; }
 std::string bddpp_manager::Bdd_version() const { return ::Bdd_version(); }
@@ -86,7 +112,7 @@ bddpp_manager::bddpp_manager(bddpp_manager* other) : bddpp_manager() {
 
 bddpp_manager::~bddpp_manager() {
   assoc_table.clear();
-  for (bdd_node* c : chunks_) ::operator delete(c, std::align_val_t(64));
+  for (bdd_node* c : chunks_) bdd_detail::Free_table(c, sizeof(bdd_node) << kChunkBits);
 }
 
 // ---------------------------------------------------------------------------
@@ -109,7 +135,7 @@ bdd_node* bddpp_manager::Allocate_node() {
     stop();
   }
   if ((pool_top_ >> kChunkBits) >= chunks_.size()) {
-    void* raw = ::operator new(sizeof(bdd_node) << kChunkBits, std::align_val_t(64));
+    void* raw = bdd_detail::Allocate_table(sizeof(bdd_node) << kChunkBits);
     chunks_.push_back(static_cast<bdd_node*>(raw));
     visit_.resize(size_t(chunks_.size()) << kChunkBits, 0);
     Cache_maybe_grow();
@@ -153,7 +179,8 @@ void bddpp_manager::Unique_rebuild(size_t capacity) {
   // Moves the entries of the table, leaving out the nodes that `Bdd_gc` freed.
   size_t cap = 1u << 12;
   while (cap < capacity || cap < size_t(live_nodes_) * 2 + 2) cap *= 2;
-  std::vector<unique_slot> old(cap, unique_slot{0, 0, 0, kEmpty});
+  bdd_detail::table<unique_slot> old;
+  old.assign(cap, unique_slot{0, 0, 0, kEmpty});
   old.swap(unique_);
   unique_mask_ = uint32_t(cap - 1);
   live_nodes_ = 0;
@@ -315,9 +342,9 @@ void bddpp_manager::Cache_put(uint32_t a, uint32_t b, uint32_t op, edge result) 
 void bddpp_manager::Cache_clear() { std::fill(cache_.begin(), cache_.end(), cache_entry{0, 0, 0, 0}); }
 
 void bddpp_manager::Cache_maybe_grow() {
-  constexpr size_t kMaxCache = size_t(1) << 21;
+  constexpr size_t kMaxCache = size_t(1) << 20;
   if (cache_.size() >= kMaxCache || size_t(pool_top_) < cache_.size()) return;
-  std::vector<cache_entry> old;
+  bdd_detail::table<cache_entry> old;
   old.swap(cache_);
   cache_.assign(old.size() * 2, cache_entry{0, 0, 0, 0});
   cache_mask_ = uint32_t(cache_.size() - 1);

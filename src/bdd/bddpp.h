@@ -21,10 +21,51 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 class bddpp_manager;
 class bdd_node;
+
+namespace bdd_detail {
+// Raw storage for the big tables: large blocks ask the system for huge pages,
+// since every lookup in them is a random access.
+void* Allocate_table(size_t bytes);
+void Free_table(void* p, size_t bytes);
+
+// A fixed-size array of plain records (resized only by `assign`).
+template <class T>
+class table {
+ public:
+  table() = default;
+  table(const table&) = delete;
+  table& operator=(const table&) = delete;
+  ~table() { Free_table(data_, size_ * sizeof(T)); }
+  void assign(size_t n, const T& value) {
+    if (n != size_) {
+      Free_table(data_, size_ * sizeof(T));
+      data_ = static_cast<T*>(Allocate_table(n * sizeof(T)));
+      size_ = n;
+    }
+    for (size_t i = 0; i < n; ++i) data_[i] = value;
+  }
+  void swap(table& o) {
+    std::swap(data_, o.data_);
+    std::swap(size_, o.size_);
+  }
+  size_t size() const { return size_; }
+  T& operator[](size_t i) { return data_[i]; }
+  const T& operator[](size_t i) const { return data_[i]; }
+  T* begin() { return data_; }
+  T* end() { return data_ + size_; }
+  const T* begin() const { return data_; }
+  const T* end() const { return data_ + size_; }
+
+ private:
+  T* data_ = nullptr;
+  size_t size_ = 0;
+};
+}  // namespace bdd_detail
 
 std::string Bdd_version();
 
@@ -457,15 +498,15 @@ class bddpp_manager {
   friend class bdd_node;
   friend bdd_node* Bdd_copy_node(bddpp_manager*, bddpp_manager*, bdd_node*, const long*, int, uint32_t);
 
-  static constexpr int kChunkBits = 14;
+  static constexpr int kChunkBits = 15;  // 2 MB of nodes
   static constexpr uint32_t kChunkMask = (1u << kChunkBits) - 1;
   std::vector<bdd_node*> chunks_;
   uint32_t pool_top_ = 0;                 // slots ever handed out
   bdd_node* free_list_ = nullptr;         // through then_node
   long live_nodes_ = 0;                   // inner nodes in the unique table
-  std::vector<unique_slot> unique_;
+  bdd_detail::table<unique_slot> unique_;
   uint32_t unique_mask_ = 0;
-  std::vector<cache_entry> cache_;
+  bdd_detail::table<cache_entry> cache_;
   uint32_t cache_mask_ = 0;
   uint32_t call_serial_ = 0;
   std::vector<uint32_t> visit_;           // stamp by slot
