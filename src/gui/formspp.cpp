@@ -48,6 +48,11 @@ void fl_show_Salert(const std::string& s) {
   fl_show_alert("", s.c_str(), "", 0);
 }
 
+void fl_show_Salert(const std::string& a, const std::string& b, const std::string& c) {
+  if (!quarn_display_reachable()) return;
+  fl_show_alert(a.c_str(), b.c_str(), c.c_str(), 0);
+}
+
 void fl_show_Sbigmessages(const std::string& text, int width) {
   if (!quarn_display_reachable()) return;
   int w = 6 * width + 10;
