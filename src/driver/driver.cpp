@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "driver/compilation.h"
+#include "data/data.h"
 #include "driver/run_files.h"
 #include "gui/formspp.h"
 #include "util/g_time.h"
@@ -258,7 +259,10 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   if (Compilation::ValuedSimulFlag) {
     std::cerr << "\n*** Simulate  with valued simulator" << std::endl;
     // TODO(model): mainModule->save_quarns_code();
-    std::list<std::string> types;  // TODO(data): type names of GDataTypeTable, ascending
+    std::list<std::string> types;  // ascending type names; none without a data section
+    if (Compilation::GDataTypeTable != nullptr)
+      for (const auto& [type, index] : Compilation::GDataTypeTable->getTypeTable())
+        types.push_back(type);
     std::string build = quarnsBuildCommand(name, types);
     std::cerr << "calling: " << build << std::endl;
     (void)!std::system(build.c_str());

@@ -1,6 +1,7 @@
 #include "gui/formspp.h"
 
 #include <FL/Fl_Input_.H>
+#include <FL/forms.H>
 #include <dlfcn.h>
 
 #include <cstdlib>

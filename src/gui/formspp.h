@@ -1,8 +1,7 @@
 // Message boxes with string arguments over the Forms layer.
 // Boxes appear only when a display is reachable and QUARN_BATCH is not set.
+// The Forms layer's own header defines many macros: it is included by formspp.cpp only.
 #pragma once
-
-#include <FL/forms.H>
 
 #include <string>
 
