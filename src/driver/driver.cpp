@@ -174,6 +174,15 @@ void showVersion() {
   std::cout << "   quarnc Compiler of Quarn Module version: " << quarn::kVersionText << "\n\n";
 }
 
+std::string mainNameFromPath(const std::string& path) {
+  size_t at = path.find(".qn");
+  if (at == std::string::npos) return "";
+  std::string cut = path.substr(0, at);
+  size_t slash = cut.rfind('/');
+  if (slash == std::string::npos || slash < 2) return cut;
+  return cut.substr(slash + 1);
+}
+
 std::string shownQncName(const std::string& moduleName, const std::string& outputFile) {
   if (outputFile.empty()) return moduleName + ".qnc";
   if (outputFile.find(".qnc") != std::string::npos) return outputFile;

@@ -34,6 +34,10 @@ std::string usageText(bool amongOthers);
 void showHelp(bool amongOthers = false);
 void showVersion();
 
+// The main module name the panel derives from a source path: the path cut at its first
+// ".qn", behind the last "/" found at index 2 or higher. Empty without ".qn".
+std::string mainNameFromPath(const std::string& path);
+
 // The .qnc file name shown by the save stage.
 std::string shownQncName(const std::string& moduleName, const std::string& outputFile);
 // The host compiler command that builds the valued simulation server.

@@ -144,6 +144,24 @@ TEST(Options, UsageText) {
   EXPECT_EQ(lone.substr(lone.size() - 24), "[-nusmv] [-vhdl_altera]\n");
 }
 
+TEST(Options, MainNameFromPath) {
+  struct Case {
+    const char* path;
+    const char* main;
+  };
+  const Case cases[] = {
+      {"abro.qn", "abro"},
+      {"/home/u/abro.qn", "abro"},
+      {"dir/sub/abro.qnc", "abro"},  // the first ".qn" cuts, whatever follows
+      {"ab/x.qn", "x"},             // "/" at index 2
+      {"a/x.qn", "a/x"},            // a "/" before index 2 is not looked at
+      {"./x.qn", "./x"},
+      {"abro.txt", ""},
+      {"", ""},
+  };
+  for (const Case& c : cases) EXPECT_EQ(mainNameFromPath(c.path), c.main) << c.path;
+}
+
 TEST(Options, QuarnsBuildCommand) {
   EXPECT_EQ(quarnsBuildCommand("m", {}), "g++ quarns_m.cc -o quarns_m");
   EXPECT_EQ(quarnsBuildCommand("m", {"T", "U"}),
