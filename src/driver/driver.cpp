@@ -70,17 +70,11 @@ const FlagTarget kFlagTargets[] = {
   std::exit(1);
 }
 
-// Panel mode. The front panel is not part of this build: without it there is nothing
-// to show, so the run stops at once instead of waiting for a window.
-int panelMode() {
-  if (!quarn_display_reachable())
-    std::cerr << "quarnc: no display for the front panel; give the options and the file on the "
-                 "command line (quarnc -h)"
-              << std::endl;
-  else
-    std::cerr << "quarnc: the front panel is not available in this build; give the options and "
-                 "the file on the command line (quarnc -h)"
-              << std::endl;
+// Panel mode without a panel to show: the run stops at once instead of waiting.
+int noPanel() {
+  std::cerr << "quarnc: no display for the front panel; give the options and the file on the "
+               "command line (quarnc -h)"
+            << std::endl;
   return 1;
 }
 
@@ -290,7 +284,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   return 0;
 }
 
-int quarnc_main(int argc, char** argv) {
+int quarnc_main(int argc, char** argv, PanelMode panel) {
   std::vector<std::string> args(argv + 1, argv + argc);
   if (args.size() == 1 && args[0] == "-h") {
     showHelp(false);
@@ -300,7 +294,11 @@ int quarnc_main(int argc, char** argv) {
     showVersion();
     return 0;
   }
-  if (args.size() <= 1) return panelMode();
+  if (args.size() <= 1) {
+    PanelRun run;
+    if (panel == nullptr || !panel(argc, argv, run)) return noPanel();
+    return runPipeline(run.sourceFile, run.mainName, false);
+  }
 
   CommandLine cl = scanCommandLine(args);
   for (const std::string& u : cl.unknownOptions)

@@ -47,5 +47,16 @@ std::string quarnsBuildCommand(const std::string& moduleName, const std::list<st
 // targets, save, debug, simulation, timing line. Returns 0; failures exit(1).
 int runPipeline(const std::string& sourceFile, const std::string& mainName, bool helpAmongOthers);
 
+// What the front panel hands to the pipeline; the panel sets the flags and output
+// statics itself.
+struct PanelRun {
+  std::string sourceFile;
+  std::string mainName;
+};
+// Panel mode: shows the panel, polls it until compile (true) or quit (exit 0). Gives
+// false at once when no panel can be shown. The panel lives above the driver, so the
+// program's main hands it in.
+using PanelMode = bool (*)(int argc, char** argv, PanelRun& run);
+
 // The whole program: main(argc, argv) of quarnc.
-int quarnc_main(int argc, char** argv);
+int quarnc_main(int argc, char** argv, PanelMode panel = nullptr);
