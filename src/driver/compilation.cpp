@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "gui/formspp.h"
+
 ModuleTable* Compilation::ModTable = nullptr;
 ModuleTable* Compilation::QncModTable = nullptr;
 class_qn_parser* Compilation::pqn_parser = nullptr;
@@ -38,8 +40,8 @@ std::string Compilation::createACTIFBISPLUSName(const std::string& s) {
   return "ACTIFBISPLUS" + s;
 }
 
-// TODO(driver): show the alert box when a display is reachable.
 void Compilation::fatal(const std::string& text) {
+  fl_show_Salert(text);
   std::cerr << text << std::endl;
   std::exit(1);
 }
