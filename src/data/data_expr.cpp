@@ -220,26 +220,16 @@ void DataConstant::QNC_put(std::ostream& out, long*, Module* module, std::list<D
   out << decl->getEvalIndex();
 }
 
-void DataConstant::DEBUG_put(std::ostream& out, Module* module, std::list<DataExpr*>& list,
-                             int& next, int top) {
+// Constants stay in place in the debug trace: numbering them would take the evaluation
+// numbers of their declarations away from .qnc writing.
+void DataConstant::DEBUG_put(std::ostream& out, Module*, std::list<DataExpr*>&, int&, int top) {
   ConstantDecl* decl = getConstDecl();
   if (!decl) {
     out << "ERROR: should be a constant declaration ... : " << constantIndex;
     return;
   }
-  if (top) {
-    out << "CONSTANT " << decl->getName() << " is root " << "getIndex: "
-        << decl->getConstantIndex();
-    return;
-  }
-  if (decl->getEvalIndex() == -1) {
-    int i = next++;
-    setIndex(i);
-    list.push_back(this);
-  }
-  out << "CONSTANT " << decl->getName() << " is not root " << "getIndex: "
-      << decl->getEvalIndex();
-  (void)module;
+  out << "CONSTANT " << decl->getName() << (top ? " is root " : " is not root ") << "getIndex: "
+      << decl->getConstantIndex();
 }
 
 void DataConstant::C_put(std::ostream& out, Module* module) {
