@@ -675,18 +675,23 @@ void DataUnaryOp::CSharp_put(std::ostream& out, Module* module) {
   operand->CSharp_put(out, module);
 }
 
+// The word " not" would stick to a name behind it ("not" and "x" make "notx").
+static std::string separated(const std::string& opname) {
+  return opname == " not" ? opname + " " : opname;
+}
+
 void DataUnaryOp::LUSTRE_put(std::ostream& out, Module* module) {
-  out << LUSTRE_opname(op);
+  out << separated(LUSTRE_opname(op));
   operand->LUSTRE_put(out, module);
 }
 
 void DataUnaryOp::ESTEREL_put(std::ostream& out, Module* module) {
-  out << ESTEREL_opname(op);
+  out << separated(ESTEREL_opname(op));
   operand->ESTEREL_put(out, module);
 }
 
 void DataUnaryOp::VHDL_put(std::ostream& out, Module* module) {
-  out << VHDL_opname(op);
+  out << separated(VHDL_opname(op));
   operand->VHDL_put(out, module);
 }
 
