@@ -151,6 +151,31 @@ TEST_F(SopParse, PriorityPrefix) {
   }
 }
 
+// Any text ends in a function and a code, never in a crash.
+TEST_F(SopParse, ArbitraryTextIsHandled) {
+  const std::vector<std::string> pieces = {"a", "b", "e", "zz", "(", ")", "[", "]", "<", ">", "!", "~", "&",
+                                           "|", "+", ".", "0", "1", "12", "-3", " ", " ", "and", "or",
+                                           "not", "xor", "XNOR", "default", "@", ",", "_", "\t", "'", "*"};
+  std::mt19937 rng(99);
+  for (int trial = 0; trial < 400; ++trial) {
+    std::string text;
+    int length = 1 + static_cast<int>(rng() % 12);
+    for (int i = 0; i < length; ++i) text += pieces[rng() % pieces.size()];
+    int error = 99, priority = 7;
+    testing::internal::CaptureStderr();
+    bdd f = m.Parse_expression(text, &error);
+    bdd g = m.Parse_expression(text, &priority, &error);
+    std::string words = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(f.initialised()) << text;
+    EXPECT_TRUE(g.initialised()) << text;
+    EXPECT_TRUE(error == 0 || error == 1 || error == 99) << text;
+    if (error == 1) {
+      EXPECT_EQ(f, m.Bdd_zero()) << text;
+      EXPECT_NE(words.find("PARSING ERROR about expression: \"" + text + "\""), std::string::npos) << text;
+    }
+  }
+}
+
 TEST_F(SopParse, ParserObject) {
   class_exp_bdd_parser parser(&m);
   EXPECT_EQ(pexp_bdd_parser, &parser);
