@@ -42,7 +42,11 @@ std::vector<Workload> workloads(bool smoke) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  bool smoke = argc > 1 && std::strcmp(argv[1], "--smoke") == 0;
+  bool smoke = argc == 2 && std::strcmp(argv[1], "--smoke") == 0;
+  if (argc > 2 || (argc == 2 && !smoke)) {
+    std::fprintf(stderr, "usage: %s [--smoke]\n", argv[0]);
+    return 1;
+  }
   bool failed = false;
   double log_sum = 0;
   int timed = 0;

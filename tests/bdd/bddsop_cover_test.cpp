@@ -129,8 +129,9 @@ TEST_F(SopCover, EveryLevelCoversRandomFunctionsExactly) {
 }
 
 TEST_F(SopCover, SmallCoversAreTheDocumentedOnes) {
-  bdd a = v[0], b = v[1];
+  bdd a = v[0], b = v[1], c = v[2];
   bdd zero = m.Bdd_zero(), one = m.Bdd_one();
+  bdd ab = m.Bdd_and(a, b), nac = m.Bdd_and(m.Bdd_not(a), c);
   struct Case {
     const char* what;
     bdd f;
@@ -149,6 +150,9 @@ TEST_F(SopCover, SmallCoversAreTheDocumentedOnes) {
       {"one at level 1", one, 1, {one}},
       {"one at level 2", one, 2, {one}},
       {"one at level 3", one, 3, {one}},
+      // a.b + !a.c: the consensus b.c is a prime that is not essential
+      {"consensus at level 2", m.Bdd_or(ab, nac), 2, {ab, nac}},
+      {"consensus at level 3", m.Bdd_or(ab, nac), 3, {ab, nac}},
       {"unknown level is level 0", m.Bdd_or(a, b), 7, {a, m.Bdd_and(m.Bdd_not(a), b)}},
   };
   for (const Case& c : cases) {
@@ -242,6 +246,13 @@ TEST_F(SopCover, PrimeImplicantsOfSmallFunctions) {
   m.Bdd_prime_implicants(m.Bdd_xor(a, b), primes);
   EXPECT_EQ(std::vector<bdd>(primes.begin(), primes.end()),
             (std::vector<bdd>{m.Bdd_and(a, m.Bdd_not(b)), m.Bdd_and(m.Bdd_not(a), b)}));
+  m.Bdd_prime_implicants(m.Bdd_or(m.Bdd_and(a, b), m.Bdd_and(m.Bdd_not(a), v[2])), primes);
+  EXPECT_EQ(std::vector<bdd>(primes.begin(), primes.end()),
+            (std::vector<bdd>{m.Bdd_and(a, b), m.Bdd_and(m.Bdd_not(a), v[2]), m.Bdd_and(b, v[2])}));
+  std::list<bdd> essential, others;
+  m.Bdd_essential_implicants(m.Bdd_or(m.Bdd_and(a, b), m.Bdd_and(m.Bdd_not(a), v[2])), essential, others);
+  EXPECT_EQ(others, std::list<bdd>{m.Bdd_and(b, v[2])});
+  EXPECT_EQ(essential.size(), 2u);
   m.Bdd_prime_implicants(m.Bdd_zero(), primes);
   EXPECT_EQ(primes, std::list<bdd>{m.Bdd_zero()});
   m.Bdd_prime_implicants(m.Bdd_one(), primes);
