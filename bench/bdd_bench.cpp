@@ -53,6 +53,11 @@ int main(int argc, char** argv) {
   for (const Workload& w : workloads(smoke)) {
     Outcome ours = run_ours(w);
     Outcome ref = run_buddy(w);
+    // Short workloads are timed again, and the best time of each package kept.
+    for (int again = 0; again < 4 && ours.ms + ref.ms < 100; ++again) {
+      ours.ms = std::fmin(ours.ms, run_ours(w).ms);
+      ref.ms = std::fmin(ref.ms, run_buddy(w).ms);
+    }
     if (!expected(w, ours.value) || !agree(ours.value, ref.value)) {
       std::printf("%s WRONG ours=%.17g buddy=%.17g\n", w.name().c_str(), ours.value, ref.value);
       failed = true;
