@@ -89,6 +89,49 @@ class bdd {
 // "adr manager= " ... ", link type =" ... ", adr node= " ... ", " ["node signature: " ...]
 std::ostream& operator<<(std::ostream& out, const bdd& f);
 
+inline bdd::bdd(bddpp_manager* manager, int link, bdd_node* node) : manager_(manager), link_(link), node_(node) {
+  if (node_ != nullptr) ++node_->refs;
+}
+inline bdd::bdd(const bdd& other) : manager_(other.manager_), link_(other.link_), node_(other.node_) {
+  if (node_ != nullptr) ++node_->refs;
+}
+inline bdd::bdd(bdd&& other) noexcept : manager_(other.manager_), link_(other.link_), node_(other.node_) {
+  other.manager_ = nullptr;
+  other.link_ = 0;
+  other.node_ = nullptr;
+}
+inline bdd::~bdd() {
+  if (node_ != nullptr) --node_->refs;
+}
+inline bdd& bdd::operator=(const bdd& other) {
+  if (node_ != other.node_) {
+    if (other.node_ != nullptr) ++other.node_->refs;
+    if (node_ != nullptr) --node_->refs;
+    node_ = other.node_;
+  }
+  manager_ = other.manager_;
+  link_ = other.link_;
+  return *this;
+}
+inline bdd& bdd::operator=(bdd&& other) noexcept {
+  if (this != &other) {
+    if (node_ != nullptr) --node_->refs;
+    manager_ = other.manager_;
+    link_ = other.link_;
+    node_ = other.node_;
+    other.manager_ = nullptr;
+    other.link_ = 0;
+    other.node_ = nullptr;
+  }
+  return *this;
+}
+inline bool bdd::operator<(const bdd& o) const {
+  if (manager_ != o.manager_) return manager_ < o.manager_;
+  long a = node_ ? node_->global_id() : 0, b = o.node_ ? o.node_->global_id() : 0;
+  if (a != b) return a < b;
+  return link_ < o.link_;
+}
+
 class bddpp_manager {
  public:
   bddpp_manager();

@@ -1,10 +1,15 @@
 #include "driver/compilation.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 
+#include "driver/run_files.h"
 #include "gui/formspp.h"
+#include "util/Stringpp.h"
 
+// TODO(model): both tables are created empty before main (ModTable printing on standard
+// output) once ModuleTable lands.
 ModuleTable* Compilation::ModTable = nullptr;
 ModuleTable* Compilation::QncModTable = nullptr;
 class_qn_parser* Compilation::pqn_parser = nullptr;
@@ -68,4 +73,75 @@ void Compilation::UndefinedTypeException(const std::string& s) {
 void Compilation::HashTableAddException(const std::string& table, const std::string& key) {
   std::string text = table.empty() ? "Exception in Hash Table:" : "Exception in Hash Table: " + table + ":";
   fatal(text + " add:" + key + " is already defined");
+}
+
+void Compilation::qn_parse(const std::string& filename) {
+  std::ifstream* in = new std::ifstream(filename);
+  if (!in->is_open()) {
+    delete in;
+    fl_show_Salert("Can not open input file:", filename, "");
+    // The box may be skipped (batch run, no display): the text stays on the error stream.
+    std::cerr << "Can not open input file: " << filename << std::endl;
+    std::exit(1);
+  }
+  // TODO(front): pqn_parser = new class_qn_parser(new qnFlexLexer(in, nullptr));
+  // pqn_parser->parse(); then close the file. The lexer stays for the run.
+  in->close();
+  delete in;
+}
+
+// The first line of a compiled module file, at most 256 characters; empty if the file
+// can't be read.
+static std::string qncFirstLine(const std::string& file) {
+  std::ifstream in(file);
+  if (!in.is_open()) return "";
+  char line[257] = {0};
+  in.getline(line, sizeof line);
+  return line;
+}
+
+std::string Compilation::getQncFileName(const std::string& name) {
+  std::list<std::string>* files = RunFiles::CompilationFileList;
+  if (files == nullptr) return "";
+  for (const std::string& file : *files)
+    if (contains(qncFirstLine(file), name)) return file;
+  return "";
+}
+
+long Compilation::getReincarnateFromQncFile(const std::string& name) {
+  std::list<std::string>* files = RunFiles::CompilationFileList;
+  if (files == nullptr) return -1;
+  for (const std::string& file : *files) {
+    std::string line = qncFirstLine(file);
+    int at = find(line, name);
+    if (at < 0) continue;
+    // "module: NAME  R F": the flag is the word behind the one that holds the name.
+    size_t p = static_cast<size_t>(at) + name.size();
+    while (p < line.size() && line[p] != ' ') p++;
+    while (p < line.size() && line[p] == ' ') p++;
+    size_t e = p;
+    while (e < line.size() && line[e] != ' ' && line[e] != '\r') e++;
+    return Stol(line.substr(p, e - p));
+  }
+  return -1;
+}
+
+Module* Compilation::createModuleFromQncCode(const std::string& name,
+                                             std::list<std::string>* inputNames,
+                                             std::list<std::string>* outputNames) {
+  std::string file = getQncFileName(name);
+  {
+    std::ifstream in(file);
+    if (!in.is_open()) return nullptr;
+  }
+  return qnc_parse(file, EmptyString, inputNames, outputNames);
+}
+
+// TODO(front): forwards to the five-argument form of the compiled module reader:
+//   return qnc_parse(file, instance, EmptyString, inputNames, outputNames);
+// The reader defines that form; until it lands a call is a fault.
+Module* Compilation::qnc_parse(const std::string& file, std::string*, std::list<std::string>*,
+                               std::list<std::string>*) {
+  IllegalOperationException("Compilation::qnc_parse: compiled module reader not yet available: " +
+                            file);
 }

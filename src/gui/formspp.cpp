@@ -1,6 +1,7 @@
 #include "gui/formspp.h"
 
 #include <FL/Fl_Input_.H>
+#include <FL/forms.H>
 #include <dlfcn.h>
 
 #include <cstdlib>
@@ -46,6 +47,11 @@ void fl_show_Smessages(const std::string& s) {
 void fl_show_Salert(const std::string& s) {
   if (!quarn_display_reachable()) return;
   fl_show_alert("", s.c_str(), "", 0);
+}
+
+void fl_show_Salert(const std::string& a, const std::string& b, const std::string& c) {
+  if (!quarn_display_reachable()) return;
+  fl_show_alert(a.c_str(), b.c_str(), c.c_str(), 0);
 }
 
 void fl_show_Sbigmessages(const std::string& text, int width) {

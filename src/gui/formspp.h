@@ -1,8 +1,7 @@
 // Message boxes with string arguments over the Forms layer.
 // Boxes appear only when a display is reachable and QUARN_BATCH is not set.
+// The Forms layer's own header defines many macros: it is included by formspp.cpp only.
 #pragma once
-
-#include <FL/forms.H>
 
 #include <string>
 
@@ -14,6 +13,8 @@ bool quarn_display_reachable();
 
 void fl_show_Smessages(const std::string& s);
 void fl_show_Salert(const std::string& s);
+// The three-line alert of the Forms layer (fl_show_alert(a, b, c, 0)) under the same rule.
+void fl_show_Salert(const std::string& a, const std::string& b, const std::string& c);
 // A modal form "Messages" with one browser line per line of text, "Quit" and "save".
 void fl_show_Sbigmessages(const std::string& text, int width);
 void fl_set_object_Slabel(Fl_Widget* w, const std::string& s, int max);

@@ -206,3 +206,24 @@ void Run::complementary_check_syntax() {
                            parentName + "\"\n Aborting ...");
     }
 }
+
+void Run::computeAwaitedNameList(std::list<std::string>* inputs,
+                                 std::list<std::string>* outputs, Module* module) {
+  for (Signal* s : *module->getInputSignalList()) inputs->push_back(s->getOriginalName());
+  for (Signal* s : *module->getOutputSignalList()) outputs->push_back(s->getOriginalName());
+  for (Signal* s : *module->getLocalSignalList()) {
+    inputs->push_back(s->getOriginalName());
+    outputs->push_back(s->getOriginalName());
+  }
+  if (!renamingTable) return;
+  for (auto& [key, s] : *renamingTable) {
+    if (s->isInput()) {
+      inputs->push_back(key);
+    } else if (s->isOutput()) {
+      outputs->push_back(key);
+    } else {
+      inputs->push_back(key);
+      outputs->push_back(key);
+    }
+  }
+}
