@@ -1,11 +1,13 @@
 #include "front/parse_supl.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
 
 #include "driver/compilation.h"
+#include "gui/formspp.h"
 #include "front/qn_lexer.h"
 #include "parse_qn.tab.h"
 
@@ -35,7 +37,11 @@ void Compilation::qn_parse(const std::string& filename) {
   std::error_code ec;
   std::ifstream in;
   if (!std::filesystem::is_directory(filename, ec)) in.open(filename);
-  if (!in.is_open()) fatal("Can not open input file:\n" + filename);
+  if (!in.is_open()) {
+    fl_show_Salert("Can not open input file:", filename, "");
+    std::cerr << "Can not open input file: " << filename << std::endl;
+    std::exit(1);
+  }
   class_qn_parser::parse_stream(in);
   in.close();
 }
