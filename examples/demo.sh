@@ -1,6 +1,31 @@
 #!/usr/bin/env bash
-# Shows quarnc at work: banner and usage for now.
+# A short tour of quarnc: bash examples/demo.sh build/quarnc
+# Each step is a function; add new ones to STEPS below.
 set -u
-quarnc=${1:-build/quarnc}
-"$quarnc" -v
-QUARN_BATCH=1 "$quarnc" -h -c || true
+QUARNC=${1:-build/quarnc}
+QUARNC=$(cd "$(dirname "$QUARNC")" && pwd)/$(basename "$QUARNC")
+# The demo runs without windows: message boxes stay closed.
+export QUARN_BATCH=1
+WORK=$(mktemp -d)
+trap 'rm -rf "$WORK"' EXIT
+
+step() { printf '\n=== %s\n$ quarnc %s\n' "$1" "${*:2}"; }
+run() { (cd "$WORK" && "$QUARNC" "$@"); echo "(exit status $?)"; }
+
+banner() {
+  step "version banner" -v
+  run -v
+}
+
+usage() {
+  step "usage text" -h
+  run -h 2>&1
+}
+
+wrong_command_line() {
+  step "a wrong command line is reported and ends with status 1" m.qn -o
+  run m.qn -o 2>&1
+}
+
+STEPS=(banner usage wrong_command_line)
+for s in "${STEPS[@]}"; do "$s"; done

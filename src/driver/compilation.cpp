@@ -1,8 +1,15 @@
 #include "driver/compilation.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 
+#include "driver/run_files.h"
+#include "gui/formspp.h"
+#include "util/Stringpp.h"
+
+// TODO(model): both tables are created empty before main (ModTable printing on standard
+// output) once ModuleTable lands.
 ModuleTable* Compilation::ModTable = nullptr;
 ModuleTable* Compilation::QncModTable = nullptr;
 class_qn_parser* Compilation::pqn_parser = nullptr;
@@ -38,8 +45,8 @@ std::string Compilation::createACTIFBISPLUSName(const std::string& s) {
   return "ACTIFBISPLUS" + s;
 }
 
-// TODO(driver): show the alert box when a display is reachable.
 void Compilation::fatal(const std::string& text) {
+  fl_show_Salert(text);
   std::cerr << text << std::endl;
   std::exit(1);
 }
@@ -66,4 +73,62 @@ void Compilation::UndefinedTypeException(const std::string& s) {
 void Compilation::HashTableAddException(const std::string& table, const std::string& key) {
   std::string text = table.empty() ? "Exception in Hash Table:" : "Exception in Hash Table: " + table + ":";
   fatal(text + " add:" + key + " is already defined");
+}
+
+// Compilation::qn_parse is defined with the source parser, in front/parse_supl.cpp.
+
+// The first line of a compiled module file, at most 256 characters; empty if the file
+// can't be read.
+static std::string qncFirstLine(const std::string& file) {
+  std::ifstream in(file);
+  if (!in.is_open()) return "";
+  char line[257] = {0};
+  in.getline(line, sizeof line);
+  return line;
+}
+
+std::string Compilation::getQncFileName(const std::string& name) {
+  std::list<std::string>* files = RunFiles::CompilationFileList;
+  if (files == nullptr) return "";
+  for (const std::string& file : *files)
+    if (contains(qncFirstLine(file), name)) return file;
+  return "";
+}
+
+long Compilation::getReincarnateFromQncFile(const std::string& name) {
+  std::list<std::string>* files = RunFiles::CompilationFileList;
+  if (files == nullptr) return -1;
+  for (const std::string& file : *files) {
+    std::string line = qncFirstLine(file);
+    int at = find(line, name);
+    if (at < 0) continue;
+    // "module: NAME  R F": the flag is the word behind the one that holds the name.
+    size_t p = static_cast<size_t>(at) + name.size();
+    while (p < line.size() && line[p] != ' ') p++;
+    while (p < line.size() && line[p] == ' ') p++;
+    size_t e = p;
+    while (e < line.size() && line[e] != ' ' && line[e] != '\r') e++;
+    return Stol(line.substr(p, e - p));
+  }
+  return -1;
+}
+
+Module* Compilation::createModuleFromQncCode(const std::string& name,
+                                             std::list<std::string>* inputNames,
+                                             std::list<std::string>* outputNames) {
+  std::string file = getQncFileName(name);
+  {
+    std::ifstream in(file);
+    if (!in.is_open()) return nullptr;
+  }
+  return qnc_parse(file, EmptyString, inputNames, outputNames);
+}
+
+// TODO(front): forwards to the five-argument form of the compiled module reader:
+//   return qnc_parse(file, instance, EmptyString, inputNames, outputNames);
+// The reader defines that form; until it lands a call is a fault.
+Module* Compilation::qnc_parse(const std::string& file, std::string*, std::list<std::string>*,
+                               std::list<std::string>*) {
+  IllegalOperationException("Compilation::qnc_parse: compiled module reader not yet available: " +
+                            file);
 }

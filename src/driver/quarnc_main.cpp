@@ -1,6 +1,4 @@
-#include <iostream>
+#include "driver/driver.h"
+#include "gui/panel.h"
 
-int main(int, char**) {
-  std::cout << "   quarnc Compiler of Quarn Module version: 3.4.3\n\n";
-  return 0;
-}
+int main(int argc, char** argv) { return quarnc_main(argc, argv, panel_mode); }
