@@ -824,30 +824,6 @@ void bddpp_manager::Bdd_gc() {
   ++gc_calls;
 }
 
-void bddpp_manager::Stats_tree(std::ostream& out, int indent, bdd_node* n) {
-  std::string pad(indent, ' ');
-  if (n == one) {
-    out << pad << "1" << " (node: " << n->gid_ << ",index: " << -1 << ")" << std::endl;
-    return;
-  }
-  long index = Index_of_node(n);
-  const std::string& name = names[n->var_id];
-  if (n->then_node == one && n->else_node == one && n->else_link_type == -1) {
-    out << pad << name << " (node: " << n->gid_ << ",index: " << index << ")" << std::endl;
-    return;
-  }
-  out << pad << "if " << name << " (node: " << n->gid_ << ",index: " << index << ")" << std::endl;
-  Stats_tree(out, indent + 2, n->then_node);
-  out << pad << "else (not " << name << ")" << std::endl;
-  if (n->else_link_type == 1) {
-    Stats_tree(out, indent + 2, n->else_node);
-  } else {
-    out << pad << "  not(" << std::endl;
-    Stats_tree(out, indent + 6, n->else_node);
-    out << pad << "     )" << std::endl;
-  }
-}
-
 void bddpp_manager::Bdd_stats(std::ostream& out) {
   out << "BDD MANAGER statistics:" << std::endl;
   out << "memory adress: " << static_cast<const void*>(this) << " Version: " << Bdd_version() << std::endl;
@@ -871,7 +847,7 @@ void bddpp_manager::Bdd_stats(std::ostream& out) {
     int64_t s = n->signature;
     out << n->gid_ << ": " << s << " = " << (s >> (2 * bits + 1)) << " " << ((s >> (bits + 1)) & mask) << " "
         << ((s >> 1) & mask) << " " << ((s & 1) ? "normal" : "inverse") << " (" << n->refs << ")" << std::endl;
-    Stats_tree(out, 0, n);
+    Print_bdd_global_structure_loc(out, 0, n);
     out << "-------------------------------------------" << std::endl;
     ++count;
     if (n->refs < 1) ++useless;

@@ -493,8 +493,6 @@ class bddpp_manager {
   bool Node_support_has(bdd_node* n, long var_id);
   bool Is_correct_rec(const bdd_node* n, uint32_t stamp);
   void Print_nodes_rec(std::ostream& out, bdd_node* n, const long* corres);
-  void Stats_tree(std::ostream& out, int indent, bdd_node* n);
-  std::string Sop_words(const bdd& f);
   friend class bdd_node;
   friend bdd_node* Bdd_copy_node(bddpp_manager*, bddpp_manager*, bdd_node*, const long*, int, uint32_t);
 

@@ -98,13 +98,13 @@ void bddpp_manager::And_internal_error(const char* op, edge r, edge x, edge y) {
   Bdd_global_clear_marks();
   std::cerr << std::endl << std::endl;
   std::cerr << "param1= " << ((x & 1) ? "NOT" : "") << std::endl;
-  Stats_tree(std::cerr, 5, Node(x));
+  Print_bdd_structure_loc(std::cerr, 5, Node(x));
   if (is_and && !Node(x)->is_correct()) std::cerr << "BE CAREFUL: x is not correct!" << std::endl;
   std::cerr << "param2=" << ((y & 1) ? "NOT" : "") << std::endl;
-  Stats_tree(std::cerr, 5, Node(y));
+  Print_bdd_structure_loc(std::cerr, 5, Node(y));
   if (is_and && !Node(y)->is_correct()) std::cerr << "BE CAREFUL: y is not correct!" << std::endl;
   std::cerr << "result=" << std::endl;
-  Stats_tree(std::cerr, 5, Node(r));
+  Print_bdd_structure_loc(std::cerr, 5, Node(r));
   Bdd_stats(std::cerr);
   stop();
 }
@@ -388,34 +388,6 @@ bdd bddpp_manager::Bdd_follow_assoc(const bdd& f, long* out_index) {
   return result;
 }
 
-// A cover of level 0 in the words "+", ".", "!": the message of a bad association.
-std::string bddpp_manager::Sop_words(const bdd& f) {
-  if (Bdd_is_zero_tautologic(f)) return "0";
-  if (Bdd_is_one_tautologic(f)) return "1";
-  std::string text;
-  bdd rest = f;
-  std::vector<int> literals(Nb_bdd_vars);
-  while (!Bdd_is_zero_tautologic(rest)) {
-    bdd c = Bdd_satisfy(rest);
-    rest = Bdd_and(rest, Bdd_not(c));
-    if (!text.empty()) text += "+";
-    if (Bdd_is_one_tautologic(c)) {
-      text += "1";
-      continue;
-    }
-    Bdd_to_literals(c, literals.data());
-    bool first = true;
-    for (long i = 0; i < Nb_bdd_vars; ++i) {
-      if (literals[i] == 2) continue;
-      if (!first) text += ".";
-      first = false;
-      if (literals[i] == 0) text += "!";
-      text += Name_var_by_index(i);
-    }
-  }
-  return text;
-}
-
 void bddpp_manager::Bdd_assoc_bdd_to_var(const bdd& expression, const bdd& v) {
   if (!Bdd_is_var(v)) {
     if ((Bdd_is_one_tautologic(v) && Bdd_is_one_tautologic(expression)) ||
@@ -423,7 +395,8 @@ void bddpp_manager::Bdd_assoc_bdd_to_var(const bdd& expression, const bdd& v) {
       return;
     std::cerr << "error in bddpp_manager::Bdd_assoc_bdd_to_var():" << std::endl
               << "     second parameter is not a var !" << std::endl
-              << "replace from: " << Sop_words(v) << " by expression: " << Sop_words(expression) << std::endl;
+              << "replace from: " << Print_sop_to_String("+", ".", "!", "", v)
+              << " by expression: " << Print_sop_to_String("+", ".", "!", "", expression) << std::endl;
     stop();
   }
   bdd copy = expression;
@@ -453,7 +426,7 @@ bdd bddpp_manager::Bdd_reduce(const bdd& f, const bdd& assertion) {
     bdd c = Bdd_satisfy(rest);
     if (!Bdd_is_cube(c)) {
       std::cerr << "ERROR about !!!" << std::endl;
-      Stats_tree(std::cerr, 0, c.node());
+      Print_bdd_structure(std::cerr, c);
       stop();
     }
     bdd reduced = Bdd_cube_reduce(f, c);
