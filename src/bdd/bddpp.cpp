@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr uint32_t kEmpty = 0xFFFFFFFFu;
+constexpr uint32_t kEmpty = 0;  // slot 0 is the terminal, never in the table
 constexpr uint32_t kMaxSlots = 0x7FFFFFFEu;  // slots are coded on 31 bits in the cache
 
 // Operation codes of the cache. Codes with a call serial above bit 4 memoise
@@ -39,9 +39,24 @@ namespace bdd_detail {
 constexpr size_t kHugePage = size_t(1) << 21;
 
 void* Allocate_table(size_t bytes) {
-  if (bytes < kHugePage) return ::operator new(bytes, std::align_val_t(64));
+  if (bytes < kHugePage) {
+    void* p = ::operator new(bytes, std::align_val_t(64));
+    std::memset(p, 0, bytes);
+    return p;
+  }
+  // Fresh anonymous pages come zeroed; align them on a huge page.
   size_t rounded = (bytes + kHugePage - 1) & ~(kHugePage - 1);
-  void* p = ::operator new(rounded, std::align_val_t(kHugePage));
+  void* raw = mmap(nullptr, rounded + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (raw == MAP_FAILED) {
+    std::cerr << "FATAL ERROR in bddpp_manager: out of memory (" << bytes << " bytes)" << std::endl;
+    stop();
+  }
+  uintptr_t start = reinterpret_cast<uintptr_t>(raw);
+  uintptr_t aligned = (start + kHugePage - 1) & ~(kHugePage - 1);
+  if (aligned > start) munmap(raw, aligned - start);
+  uintptr_t end = start + rounded + kHugePage;
+  if (end > aligned + rounded) munmap(reinterpret_cast<void*>(aligned + rounded), end - (aligned + rounded));
+  void* p = reinterpret_cast<void*>(aligned);
 #ifdef MADV_HUGEPAGE
   madvise(p, rounded, MADV_HUGEPAGE);
 #endif
@@ -53,7 +68,7 @@ void Free_table(void* p, size_t bytes) {
   if (bytes < kHugePage)
     ::operator delete(p, std::align_val_t(64));
   else
-    ::operator delete(p, std::align_val_t(kHugePage));
+    munmap(p, (bytes + kHugePage - 1) & ~(kHugePage - 1));
 }
 
 }  // namespace bdd_detail
@@ -79,7 +94,7 @@ bddpp_manager::bddpp_manager() {
   id_of_index.assign(var_capacity, 0);
   assoc_table.resize(var_capacity);
   Unique_rebuild(1u << 12);
-  cache_.assign(1u << 15, cache_entry{0, 0, 0, 0});
+  cache_.assign_zero(1u << 15);
   cache_mask_ = (1u << 15) - 1;
   one = Allocate_node();
   one->manager = this;
@@ -137,7 +152,6 @@ bdd_node* bddpp_manager::Allocate_node() {
   if ((pool_top_ >> kChunkBits) >= chunks_.size()) {
     void* raw = bdd_detail::Allocate_table(sizeof(bdd_node) << kChunkBits);
     chunks_.push_back(static_cast<bdd_node*>(raw));
-    visit_.resize(size_t(chunks_.size()) << kChunkBits, 0);
     Cache_maybe_grow();
   }
   n = new (Node_at(pool_top_)) bdd_node();
@@ -166,7 +180,7 @@ bdd_node* bddpp_manager::Unique_find(uint32_t var, uint32_t t, uint32_t e) const
 }
 
 void bddpp_manager::Unique_insert(bdd_node* n) {
-  if (size_t(live_nodes_ + 1) * 2 > unique_.size()) Unique_rebuild(unique_.size() * 2);
+  if (size_t(live_nodes_ + 1) * 4 > unique_.size() * 3) Unique_rebuild(unique_.size() * 2);
   uint32_t var = uint32_t(n->var_id), t = n->then_node->slot;
   uint32_t e = (n->else_node->slot << 1) | (n->else_link_type < 0 ? 1u : 0u);
   uint32_t i = Unique_hash(var, t, e);
@@ -178,9 +192,9 @@ void bddpp_manager::Unique_insert(bdd_node* n) {
 void bddpp_manager::Unique_rebuild(size_t capacity) {
   // Moves the entries of the table, leaving out the nodes that `Bdd_gc` freed.
   size_t cap = 1u << 12;
-  while (cap < capacity || cap < size_t(live_nodes_) * 2 + 2) cap *= 2;
+  while (cap < capacity || cap * 3 < size_t(live_nodes_) * 4 + 4) cap *= 2;
   bdd_detail::table<unique_slot> old;
-  old.assign(cap, unique_slot{0, 0, 0, kEmpty});
+  old.assign_zero(cap);
   old.swap(unique_);
   unique_mask_ = uint32_t(cap - 1);
   live_nodes_ = 0;
@@ -339,14 +353,14 @@ void bddpp_manager::Cache_put(uint32_t a, uint32_t b, uint32_t op, edge result) 
   Cache_at(a, b, op) = cache_entry{a, b, op, Code(result)};
 }
 
-void bddpp_manager::Cache_clear() { std::fill(cache_.begin(), cache_.end(), cache_entry{0, 0, 0, 0}); }
+void bddpp_manager::Cache_clear() { cache_.assign_zero(cache_.size()); }
 
 void bddpp_manager::Cache_maybe_grow() {
   constexpr size_t kMaxCache = size_t(1) << 20;
   if (cache_.size() >= kMaxCache || size_t(pool_top_) < cache_.size()) return;
   bdd_detail::table<cache_entry> old;
   old.swap(cache_);
-  cache_.assign(old.size() * 2, cache_entry{0, 0, 0, 0});
+  cache_.assign_zero(old.size() * 2);
   cache_mask_ = uint32_t(cache_.size() - 1);
   for (const cache_entry& c : old)
     if (c.op != 0) Cache_at(c.a, c.b, c.op) = c;
@@ -365,6 +379,7 @@ uint32_t bddpp_manager::New_call_tag(uint32_t op) {
 // ---------------------------------------------------------------------------
 
 uint32_t bddpp_manager::New_visit() {
+  if (visit_.size() < pool_top_) visit_.resize(size_t(chunks_.size()) << kChunkBits, 0);
   if (++visit_stamp_ == 0) {
     std::fill(visit_.begin(), visit_.end(), 0);
     visit_stamp_ = 1;

@@ -28,8 +28,8 @@ class bddpp_manager;
 class bdd_node;
 
 namespace bdd_detail {
-// Raw storage for the big tables: large blocks ask the system for huge pages,
-// since every lookup in them is a random access.
+// Zeroed storage for the big tables: large blocks ask the system for huge
+// pages, since every lookup in them is a random access.
 void* Allocate_table(size_t bytes);
 void Free_table(void* p, size_t bytes);
 
@@ -41,13 +41,11 @@ class table {
   table(const table&) = delete;
   table& operator=(const table&) = delete;
   ~table() { Free_table(data_, size_ * sizeof(T)); }
-  void assign(size_t n, const T& value) {
-    if (n != size_) {
-      Free_table(data_, size_ * sizeof(T));
-      data_ = static_cast<T*>(Allocate_table(n * sizeof(T)));
-      size_ = n;
-    }
-    for (size_t i = 0; i < n; ++i) data_[i] = value;
+  // n records, all bytes zero: the empty form of every table.
+  void assign_zero(size_t n) {
+    Free_table(data_, size_ * sizeof(T));
+    data_ = static_cast<T*>(Allocate_table(n * sizeof(T)));
+    size_ = n;
   }
   void swap(table& o) {
     std::swap(data_, o.data_);
