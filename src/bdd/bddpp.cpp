@@ -58,7 +58,7 @@ void* Allocate_table(size_t bytes) {
   if (end > aligned + rounded) munmap(reinterpret_cast<void*>(aligned + rounded), end - (aligned + rounded));
   void* p = reinterpret_cast<void*>(aligned);
 #ifdef MADV_HUGEPAGE
-  madvise(p, rounded, MADV_HUGEPAGE);
+  (void)p;
 #endif
   return p;
 }
@@ -79,7 +79,7 @@ std::string bddpp_manager::Bdd_version() const { return ::Bdd_version(); }
 std::ostream& operator<<(std::ostream& out, const bdd& f) {
   out << "adr manager= " << static_cast<const void*>(f.manager_ref()) << ", link type =" << f.link_type()
       << ", adr node= " << static_cast<const void*>(f.node()) << ", ";
-  if (f.node() != nullptr) out << "node signature: " << f.node()->signature;
+  if (f.node() != nullptr) out << "node signature: " << f.node()->signature();
   return out;
 }
 
@@ -97,9 +97,7 @@ bddpp_manager::bddpp_manager() {
   cache_.assign_zero(1u << 15);
   cache_mask_ = (1u << 15) - 1;
   one = Allocate_node();
-  one->manager = this;
   one->var_id = -1;
-  one->signature = -1;
   one->gid_ = 1;
   one->refs = 1;
   one->else_link_type = 1;
@@ -127,7 +125,7 @@ bddpp_manager::bddpp_manager(bddpp_manager* other) : bddpp_manager() {
 
 bddpp_manager::~bddpp_manager() {
   assoc_table.clear();
-  for (bdd_node* c : chunks_) bdd_detail::Free_table(c, sizeof(bdd_node) << kChunkBits);
+  for (bdd_node* c : chunks_) bdd_detail::Free_table(reinterpret_cast<char*>(c) - 64, kBlockBytes);
 }
 
 // ---------------------------------------------------------------------------
@@ -150,8 +148,10 @@ bdd_node* bddpp_manager::Allocate_node() {
     stop();
   }
   if ((pool_top_ >> kChunkBits) >= chunks_.size()) {
-    void* raw = bdd_detail::Allocate_table(sizeof(bdd_node) << kChunkBits);
-    chunks_.push_back(static_cast<bdd_node*>(raw));
+    // A block of 2 MB on its own alignment: its head names the manager.
+    char* block = static_cast<char*>(bdd_detail::Allocate_table(kBlockBytes));
+    *reinterpret_cast<bddpp_manager**>(block) = this;
+    chunks_.push_back(reinterpret_cast<bdd_node*>(block + 64));
     Cache_maybe_grow();
   }
   n = new (Node_at(pool_top_)) bdd_node();
@@ -167,25 +167,34 @@ int64_t bddpp_manager::Signature_of(long var_id, const bdd_node* t, const bdd_no
          ((e->gid_ & mask) << 1) | (else_link > 0 ? 1 : 0);
 }
 
-uint32_t bddpp_manager::Unique_hash(uint32_t var, uint32_t t, uint32_t e) const {
-  return mix(var, t, e) & unique_mask_;
+int64_t bdd_node::signature() const {
+  if (var_id < 0) return -1;
+  return manager()->Signature_of(var_id, then_node, else_node, else_link_type);
 }
 
-bdd_node* bddpp_manager::Unique_find(uint32_t var, uint32_t t, uint32_t e) const {
-  for (uint32_t i = Unique_hash(var, t, e);; i = (i + 1) & unique_mask_) {
+uint32_t bddpp_manager::Unique_hash(uint32_t var, uint32_t t, uint32_t e) { return mix(var, t, e); }
+
+uint32_t bddpp_manager::Key_hash(const bdd_node* n) {
+  return mix(uint32_t(n->var_id), n->then_node->slot, (n->else_node->slot << 1) | (n->else_link_type < 0 ? 1u : 0u));
+}
+
+bdd_node* bddpp_manager::Unique_find(long var, const bdd_node* t, const bdd_node* e, int else_link) const {
+  const uint32_t h = Unique_hash(uint32_t(var), t->slot, (e->slot << 1) | (else_link < 0 ? 1u : 0u));
+  for (uint32_t i = h & unique_mask_;; i = (i + 1) & unique_mask_) {
     const unique_slot& s = unique_[i];
     if (s.node == kEmpty) return nullptr;
-    if (s.var == var && s.then_slot == t && s.else_key == e) return Node_at(s.node);
+    if (s.hash != h) continue;
+    bdd_node* n = Node_at(s.node);
+    if (n->var_id == var && n->then_node == t && n->else_node == e && n->else_link_type == else_link) return n;
   }
 }
 
 void bddpp_manager::Unique_insert(bdd_node* n) {
   if (size_t(live_nodes_ + 1) * 4 > unique_.size() * 3) Unique_rebuild(unique_.size() * 2);
-  uint32_t var = uint32_t(n->var_id), t = n->then_node->slot;
-  uint32_t e = (n->else_node->slot << 1) | (n->else_link_type < 0 ? 1u : 0u);
-  uint32_t i = Unique_hash(var, t, e);
+  const uint32_t h = Key_hash(n);
+  uint32_t i = h & unique_mask_;
   while (unique_[i].node != kEmpty) i = (i + 1) & unique_mask_;
-  unique_[i] = unique_slot{var, t, e, n->slot};
+  unique_[i] = unique_slot{h, n->slot};
   ++live_nodes_;
 }
 
@@ -200,7 +209,7 @@ void bddpp_manager::Unique_rebuild(size_t capacity) {
   live_nodes_ = 0;
   for (const unique_slot& s : old) {
     if (s.node == kEmpty || Node_at(s.node)->var_id < 0) continue;
-    uint32_t i = Unique_hash(s.var, s.then_slot, s.else_key);
+    uint32_t i = s.hash & unique_mask_;
     while (unique_[i].node != kEmpty) i = (i + 1) & unique_mask_;
     unique_[i] = s;
     ++live_nodes_;
@@ -208,9 +217,7 @@ void bddpp_manager::Unique_rebuild(size_t capacity) {
 }
 
 void bddpp_manager::Unique_erase(bdd_node* n) {
-  uint32_t var = uint32_t(n->var_id), t = n->then_node->slot;
-  uint32_t e = (n->else_node->slot << 1) | (n->else_link_type < 0 ? 1u : 0u);
-  uint32_t i = Unique_hash(var, t, e);
+  uint32_t i = Key_hash(n) & unique_mask_;
   for (;; i = (i + 1) & unique_mask_) {
     if (unique_[i].node == kEmpty) return;
     if (unique_[i].node == n->slot) break;
@@ -221,7 +228,7 @@ void bddpp_manager::Unique_erase(bdd_node* n) {
     j = (j + 1) & unique_mask_;
     const unique_slot& s = unique_[j];
     if (s.node == kEmpty) break;
-    uint32_t k = Unique_hash(s.var, s.then_slot, s.else_key);
+    uint32_t k = s.hash & unique_mask_;
     bool stays = (i <= j) ? (i < k && k <= j) : (i < k || k <= j);
     if (stays) continue;
     unique_[i] = s;
@@ -233,8 +240,7 @@ void bddpp_manager::Unique_erase(bdd_node* n) {
 
 void bddpp_manager::Map_integrate(bdd_node* node) {
   if (node == nullptr || node == one || node->var_id < 0) return;
-  uint32_t e = (node->else_node->slot << 1) | (node->else_link_type < 0 ? 1u : 0u);
-  if (Unique_find(uint32_t(node->var_id), node->then_node->slot, e) != nullptr) return;
+  if (Unique_find(node->var_id, node->then_node, node->else_node, node->else_link_type) != nullptr) return;
   Unique_insert(node);
 }
 
@@ -244,26 +250,29 @@ void bddpp_manager::Map_suppress(bdd_node* node) {
 }
 
 std::vector<bdd_node*> bddpp_manager::Map_nodes_by_signature() const {
-  std::vector<bdd_node*> nodes;
-  nodes.reserve(live_nodes_);
-  for (const unique_slot& s : unique_)
-    if (s.node != kEmpty) nodes.push_back(Node_at(s.node));
-  std::sort(nodes.begin(), nodes.end(), [](const bdd_node* a, const bdd_node* b) {
-    return a->signature != b->signature ? a->signature < b->signature : a->gid_ < b->gid_;
+  std::vector<std::pair<int64_t, bdd_node*>> keyed;
+  keyed.reserve(live_nodes_);
+  for (const unique_slot& s : unique_) {
+    if (s.node == kEmpty) continue;
+    bdd_node* n = Node_at(s.node);
+    keyed.emplace_back(n->signature(), n);
+  }
+  std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
+    return a.first != b.first ? a.first < b.first : a.second->gid_ < b.second->gid_;
   });
+  std::vector<bdd_node*> nodes;
+  nodes.reserve(keyed.size());
+  for (const auto& k : keyed) nodes.push_back(k.second);
   return nodes;
 }
 
 bdd_node* bddpp_manager::Make_node(long var_id, bdd_node* t, bdd_node* e, int else_link) {
   bdd_node* n = Allocate_node();
-  n->manager = this;
   n->var_id = int32_t(var_id);
   n->then_node = t;
   n->else_node = e;
   n->else_link_type = int16_t(else_link);
   n->gid_ = next_global_id;
-  n->signature = Signature_of(var_id, t, e, else_link);
-  Unique_insert(n);
   ++next_global_id;
   ++t->refs;
   ++e->refs;
@@ -277,21 +286,34 @@ bddpp_manager::edge bddpp_manager::Mk(long var_id, edge t, edge e) {
   e ^= neg;
   bdd_node* tn = Node(t);
   bdd_node* en = Node(e);
-  uint32_t ek = (en->slot << 1) | uint32_t(e & 1);
-  bdd_node* n = Unique_find(uint32_t(var_id), tn->slot, ek);
-  if (n == nullptr) n = Make_node(var_id, tn, en, (e & 1) ? -1 : 1);
+  const int16_t el = (e & 1) ? -1 : 1;
+  const uint32_t h = Unique_hash(uint32_t(var_id), tn->slot, (en->slot << 1) | uint32_t(e & 1));
+  uint32_t i = h & unique_mask_;
+  for (;; i = (i + 1) & unique_mask_) {
+    const unique_slot& s = unique_[i];
+    if (s.node == kEmpty) break;
+    if (s.hash != h) continue;
+    bdd_node* n = Node_at(s.node);
+    if (n->var_id == var_id && n->then_node == tn && n->else_node == en && n->else_link_type == el)
+      return reinterpret_cast<edge>(n) | neg;
+  }
+  bdd_node* n = Make_node(var_id, tn, en, el);
+  if (size_t(live_nodes_ + 1) * 4 > unique_.size() * 3) {
+    Unique_insert(n);
+  } else {
+    unique_[i] = unique_slot{h, n->slot};
+    ++live_nodes_;
+  }
   return reinterpret_cast<edge>(n) | neg;
 }
 
 void bddpp_manager::Build_var_node(long id) {
   bdd_node* n = Allocate_node();
-  n->manager = this;
   n->var_id = int32_t(id);
   n->then_node = one;
   n->else_node = one;
   n->else_link_type = -1;
   n->gid_ = next_global_id++;
-  n->signature = Signature_of(id, one, one, -1);
   var_nodes[id] = n;
   Unique_insert(n);
 }
@@ -328,9 +350,11 @@ bdd_node* bddpp_manager::Find_or_create_bdd_node(long index, int then_link, int 
   }
   long id = id_of_index[index];
   int el = then_link * else_link;
-  uint32_t ek = (else_node->slot << 1) | (el < 0 ? 1u : 0u);
-  bdd_node* n = Unique_find(uint32_t(id), then_node->slot, ek);
-  if (n == nullptr) n = Make_node(id, then_node, else_node, el);
+  bdd_node* n = Unique_find(id, then_node, else_node, el);
+  if (n == nullptr) {
+    n = Make_node(id, then_node, else_node, el);
+    Unique_insert(n);
+  }
   return n;
 }
 
@@ -356,7 +380,7 @@ void bddpp_manager::Cache_put(uint32_t a, uint32_t b, uint32_t op, edge result) 
 void bddpp_manager::Cache_clear() { cache_.assign_zero(cache_.size()); }
 
 void bddpp_manager::Cache_maybe_grow() {
-  constexpr size_t kMaxCache = size_t(1) << 20;
+  constexpr size_t kMaxCache = size_t(1) << 18;
   if (cache_.size() >= kMaxCache || size_t(pool_top_) < cache_.size()) return;
   bdd_detail::table<cache_entry> old;
   old.swap(cache_);
@@ -493,7 +517,7 @@ bdd bddpp_manager::Bdd_var_by_name(const std::string& name) {
 }
 
 long bddpp_manager::Index_of_node(const bdd_node* n) const {
-  if (n == nullptr || n->manager == nullptr) return -3;
+  if (n == nullptr) return -3;
   if (n->var_id < 0) return -1;
   return index_of_id[n->var_id];
 }
@@ -630,7 +654,7 @@ bool bddpp_manager::Node_support_has(bdd_node* n, long var_id) {
 }
 
 bool bddpp_manager::Bdd_node_depends_on(bdd_node* node, bdd_node* var_node) {
-  if (node == nullptr || var_node == nullptr || node->manager != this || var_node->manager != this) {
+  if (node == nullptr || var_node == nullptr || node->manager() != this || var_node->manager() != this) {
     std::cerr << "Error in bddpp_manager::Bdd_node_depends_on():  bad Bdd manager or bdd(s) not initialized!"
               << std::endl;
     return false;
@@ -770,7 +794,6 @@ long bddpp_manager::Bdd_node_size(bdd_node* node) {
 long bddpp_manager::Bdd_size(const bdd& f) { return Bdd_node_size(f.node()); }
 
 bool bddpp_manager::Is_correct_rec(const bdd_node* n, uint32_t stamp) {
-  if (n->manager == nullptr) return false;
   if (n->var_id == -1) return true;
   if (n->var_id < 0 || n->var_id >= Nb_bdd_vars) return false;
   if (visit_[n->slot] == stamp) return true;
@@ -779,17 +802,17 @@ bool bddpp_manager::Is_correct_rec(const bdd_node* n, uint32_t stamp) {
   for (const bdd_node* k : kids) {
     if (k == nullptr || k == n) return false;
     if (k->var_id >= 0) {
-      if (k->manager != this || k->var_id >= Nb_bdd_vars) return false;
+      if (k->manager() != this || k->var_id >= Nb_bdd_vars) return false;
       if (!(Level(k) > Level(n))) return false;
       if (!Is_correct_rec(k, stamp)) return false;
     }
   }
-  return n->signature >= 0;
+  return n->signature() >= 0;
 }
 
 bool bdd_node::is_correct() const {
-  if (manager == nullptr) return false;
-  return manager->Is_correct_rec(this, manager->New_visit());
+  bddpp_manager* m = manager();
+  return m->Is_correct_rec(this, m->New_visit());
 }
 
 bool bddpp_manager::Bdd_is_correct(const bdd& f) {
@@ -843,13 +866,13 @@ void bddpp_manager::Bdd_stats(std::ostream& out) {
   out << "BDD MANAGER statistics:" << std::endl;
   out << "memory adress: " << static_cast<const void*>(this) << " Version: " << Bdd_version() << std::endl;
   out << "bdd constant number: 1" << std::endl;
-  out << "-: 1 --> " << one->signature << std::endl;
+  out << "-: 1 --> " << one->signature() << std::endl;
   out << "bdd variables number: " << Nb_bdd_vars << std::endl;
   if (Nb_bdd_vars > 0) {
     out << "Index (Id): name --> signature" << std::endl;
     for (long index = 0; index < Nb_bdd_vars; ++index) {
       long id = id_of_index[index];
-      out << index << "(" << id << "): " << names[id] << " --> " << var_nodes[id]->signature << std::endl;
+      out << index << "(" << id << "): " << names[id] << " --> " << var_nodes[id]->signature() << std::endl;
     }
     out << std::endl;
   }
@@ -859,7 +882,7 @@ void bddpp_manager::Bdd_stats(std::ostream& out) {
   const int64_t mask = (int64_t(1) << bits) - 1;
   long useless = 0, references = 0, count = 0;
   for (bdd_node* n : Map_nodes_by_signature()) {
-    int64_t s = n->signature;
+    int64_t s = n->signature();
     out << n->gid_ << ": " << s << " = " << (s >> (2 * bits + 1)) << " " << ((s >> (bits + 1)) & mask) << " "
         << ((s >> 1) & mask) << " " << ((s & 1) ? "normal" : "inverse") << " (" << n->refs << ")" << std::endl;
     Print_bdd_global_structure_loc(out, 0, n);
@@ -883,3 +906,4 @@ bdd bddpp_manager::Bdd_dup(const bdd& f) {
 void bddpp_manager::Bdd_free(const bdd& f) {
   std::cerr << "Warning: bddpp_manager::Bdd_free() is now became useless" << std::endl << f << std::endl;
 }
+static_assert(sizeof(bdd_node) == 48, "compact nodes");

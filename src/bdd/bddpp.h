@@ -67,8 +67,10 @@ class table {
 
 std::string Bdd_version();
 
-// One node. The fields are public for the walks of the printers and the
-// generators; only the manager writes anything but `mark` and `print_number`.
+// One node, 48 bytes. The fields are public for the walks of the printers and
+// the generators; only the manager writes anything but `mark` and
+// `print_number`. The owner and the signature are derived, not stored: nodes
+// live in 2 MB blocks whose head names the manager.
 class bdd_node {
  public:
   bdd_node* then_node = nullptr;  // child when the variable is true; null on the terminal
@@ -78,17 +80,23 @@ class bdd_node {
   int16_t else_link_type = 1;     // +1 normal, -1 inverse
   int16_t mark = 0;               // scratch of marking walks: 0 or 1
   uint32_t slot = 0;              // place in the manager's pool
-  bddpp_manager* manager = nullptr;
-  int64_t signature = -1;         // key form: var_id | then id | else id | sign bit
   long print_number = 0;          // number given by the last marking walk
 
   long global_id() const { return gid_; }
+  bddpp_manager* manager() const {
+    return *reinterpret_cast<bddpp_manager* const*>(reinterpret_cast<uintptr_t>(this) & ~kBlockMask);
+  }
+  // Key form: var_id (bits 63-41) | then global id (40-21) | else global id
+  // (20-1) | 1 for a normal else edge; -1 on the terminal. Child ids wider
+  // than their field are cut to it: the signature is shown, never looked up.
+  int64_t signature() const;
   // Manager present, variable in range, children present, distinct from the
   // node, below it in the order and themselves correct, signature not negative.
   bool is_correct() const;
 
  private:
   friend class bddpp_manager;
+  static constexpr uintptr_t kBlockMask = (uintptr_t(1) << 21) - 1;
   long gid_ = 0;                  // serial number in the manager, never reused
 };
 
@@ -433,7 +441,7 @@ class bddpp_manager {
   // An edge is a node pointer with the sign in bit 0 (set = negated).
   using edge = uintptr_t;
   struct unique_slot {
-    uint32_t var, then_slot, else_key, node;  // else_key = else slot * 2 + (else link -1)
+    uint32_t hash, node;  // full hash of the node's key; node 0 (the terminal) marks a free place
   };
   struct cache_entry {
     uint32_t a, b, op, result;
@@ -457,8 +465,9 @@ class bddpp_manager {
   int64_t Signature_of(long var_id, const bdd_node* t, const bdd_node* e, int else_link) const;
 
   // unique table
-  uint32_t Unique_hash(uint32_t var, uint32_t t, uint32_t e) const;
-  bdd_node* Unique_find(uint32_t var, uint32_t t, uint32_t e) const;
+  static uint32_t Unique_hash(uint32_t var, uint32_t t, uint32_t e);
+  static uint32_t Key_hash(const bdd_node* n);
+  bdd_node* Unique_find(long var, const bdd_node* t, const bdd_node* e, int else_link) const;
   void Unique_insert(bdd_node* n);
   void Unique_rebuild(size_t capacity);
   void Unique_erase(bdd_node* n);
@@ -494,8 +503,10 @@ class bddpp_manager {
   friend class bdd_node;
   friend bdd_node* Bdd_copy_node(bddpp_manager*, bddpp_manager*, bdd_node*, const long*, int, uint32_t);
 
-  static constexpr int kChunkBits = 15;  // 2 MB of nodes
+  static constexpr int kChunkBits = 15;  // 1.5 MB of nodes behind a block head, in 2 MB
   static constexpr uint32_t kChunkMask = (1u << kChunkBits) - 1;
+  static constexpr size_t kBlockBytes = size_t(1) << 21;
+  static_assert(64 + (sizeof(bdd_node) << kChunkBits) <= kBlockBytes, "a block holds its nodes");
   std::vector<bdd_node*> chunks_;
   uint32_t pool_top_ = 0;                 // slots ever handed out
   bdd_node* free_list_ = nullptr;         // through then_node

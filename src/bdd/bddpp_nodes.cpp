@@ -19,8 +19,8 @@ void bddpp_manager::Print_bdd_node(std::ostream& out, bdd_node* node, const long
 }
 
 void Print_bdd_node(std::ostream& out, bdd_node* node) {
-  if (node == nullptr || node->manager == nullptr) return;
-  node->manager->Print_bdd_node(out, node);
+  if (node == nullptr) return;
+  node->manager()->Print_bdd_node(out, node);
 }
 
 // Each unmarked node once, then child before else child, as the numbering walk.

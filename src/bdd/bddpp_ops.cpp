@@ -482,7 +482,7 @@ int bddpp_manager::Bdd_eval_for_literal(const bdd& f, const int* literals) {
   const uint32_t tag = New_call_tag(OP_EVAL);
   auto eval = [&](auto&& self, bdd_node* n, int link) -> int {
     if (n == one) return link == 1 ? 1 : 0;
-    if (n == nullptr || n->manager == nullptr || n->var_id < 0 || n->var_id >= Nb_bdd_vars) {
+    if (n == nullptr || n->var_id < 0 || n->var_id >= Nb_bdd_vars) {
       std::cerr << "error in bddpp_manager::Bdd_eval(): unknown bdd type ..." << std::endl;
       stop();
     }

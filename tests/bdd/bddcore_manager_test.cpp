@@ -391,7 +391,7 @@ TEST(BddManager, NarrowSignatureFieldsStayCorrect) {
   }
   expect_table_invariants(m);
   std::map<int64_t, int> seen;
-  for (bdd_node* n : m.Map_nodes_by_signature()) ++seen[n->signature];
+  for (bdd_node* n : m.Map_nodes_by_signature()) ++seen[n->signature()];
   EXPECT_LT(seen.size(), size_t(m.Map_size())) << "the test must make signatures collide";
   m.Bdd_gc();
   expect_table_invariants(m);
