@@ -106,6 +106,7 @@ bddpp_manager::bddpp_manager() {
 
 bddpp_manager::bddpp_manager(bddpp_manager* other) : bddpp_manager() {
   if (other == nullptr) return;
+  signature_id_bits = other->signature_id_bits;
   name_to_id = other->name_to_id;
   var_capacity = other->var_capacity;
   names.resize(var_capacity);
