@@ -248,6 +248,7 @@ void bddpp_manager::Map_integrate(bdd_node* node) {
 void bddpp_manager::Map_suppress(bdd_node* node) {
   if (node == nullptr || node == one || node->var_id < 0) return;
   Unique_erase(node);
+  Cache_clear();  // a remembered result must not hand out a node the table lost
 }
 
 std::vector<bdd_node*> bddpp_manager::Map_nodes_by_signature() const {

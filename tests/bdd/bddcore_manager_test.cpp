@@ -327,6 +327,28 @@ TEST(BddManager, GarbageCollection) {
   EXPECT_EQ(m.Bdd_or(x, y).node()->global_id(), id);
 }
 
+TEST(BddManager, MapSuppressAndIntegrate) {
+  bddpp_manager m;
+  bdd a = m.New_var_last("a"), b = m.New_var_last("b");
+  bdd f = m.Bdd_and(a, b);
+  long size = m.Map_size();
+  m.Map_suppress(f.node());
+  EXPECT_EQ(m.Map_size(), size - 1);
+  // Out of the table, the node is not found again: the function gets a new node.
+  long next = m.Bdd_total_size();
+  bdd g = m.Bdd_and(a, b);
+  EXPECT_NE(g.node(), f.node());
+  EXPECT_EQ(g.node()->global_id(), next);
+  EXPECT_EQ(tt_of(m, g, 2), tt_of(m, f, 2));
+  EXPECT_EQ(m.Map_size(), size);
+  m.Map_integrate(f.node());  // its key is taken by g's node: nothing changes
+  EXPECT_EQ(m.Bdd_and(a, b), g);
+  m.Map_suppress(g.node());
+  m.Map_integrate(f.node());
+  EXPECT_EQ(m.Bdd_and(a, b), f);
+  expect_table_invariants(m);
+}
+
 TEST(BddManager, Stats) {
   bddpp_manager m;
   m.New_var_last("a");
