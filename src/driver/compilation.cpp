@@ -1,6 +1,7 @@
 #include "driver/compilation.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -76,7 +77,10 @@ void Compilation::HashTableAddException(const std::string& table, const std::str
 }
 
 void Compilation::qn_parse(const std::string& filename) {
-  std::ifstream* in = new std::ifstream(filename);
+  // A directory opens as a stream on this system but can't be read: it is no input file.
+  std::error_code ec;
+  std::ifstream* in = new std::ifstream();
+  if (!std::filesystem::is_directory(filename, ec)) in->open(filename);
   if (!in->is_open()) {
     delete in;
     fl_show_Salert("Can not open input file:", filename, "");

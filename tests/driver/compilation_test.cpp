@@ -35,6 +35,7 @@ TEST_F(Reports, TextsOnTheErrorStreamAndExitOne) {
 TEST_F(Reports, SourceFileThatCanNotBeOpened) {
   EXPECT_EXIT(Compilation::qn_parse("/nonexistent/dir/x.qn"), ::testing::ExitedWithCode(1),
               "Can not open input file:");
+  EXPECT_EXIT(Compilation::qn_parse("/"), ::testing::ExitedWithCode(1), "Can not open input file:");
 }
 
 TEST(Wires, Names) {
