@@ -14,6 +14,7 @@
 // connected component search (no recursion follows the graph).
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 #include <list>
 #include <map>
@@ -290,13 +291,12 @@ class Bddexpressionwood {
   void Destroy();
   void Learn(Bddexpression* exp, const std::set<long>* extra);
   long Index_of(const Bddexpression* exp) const;
-  // Date propagation from `seeds` (all indexes when `all`), see Bddexpression.cpp.
-  void Propagate_dates(const std::vector<long>& seeds, bool all);
-  void Propagate_early(const std::vector<char>& seeded);
-  void Propagate_late(const std::vector<char>& seeded);
+  // Step of the dating for every index of `seeds` (wood_dates.cpp).
+  void Date_from(const std::vector<long>& seeds, const char* too_big);
   void Direct_dates(const std::vector<long>& seeds);
-  // Cycle watch of setBddExp: reports a cycle through `index` once.
-  bool Cycle_through(long index, bool downward);
+  // Heaviest path below (downward) or above an index, memoised; sets `cycle`
+  // when the walk meets one.
+  long Path_weight(long index, bool downward, bool& cycle);
 
   int common_bdd_manager = 0;
   bddpp_manager* manager = nullptr;
@@ -307,6 +307,13 @@ class Bddexpressionwood {
   std::vector<std::set<long>> readers;
   std::vector<long> late_dates;
   long nb_level = 0;
+  // Records that the tables let go of (replaced or cleaned); destroyed with the wood.
+  std::vector<Bddexpression*> dropped;
+  // Scratch of the memoised walks: a slot is valid when its stamp is the walk's.
+  std::vector<uint32_t> walk_stamp;
+  std::vector<long> walk_value;
+  std::vector<char> walk_state;
+  uint32_t walk_serial = 0;
 };
 
 // compute_dates() on the wood.

@@ -217,6 +217,9 @@ class SignalManager {
   void printSignalTableById(std::ostream& out);
 
  private:
+  // Makes w's id table at least n long, entries kept.
+  void grow(Bddexpressionwood* w, long n);
+
   std::map<std::string, SignalRef*> byName;
   // internal name -> current name -> record: the records of one signal, in key order.
   std::map<std::string, std::map<std::string, SignalRef*>> byInternalName;
