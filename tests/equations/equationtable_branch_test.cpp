@@ -1,4 +1,7 @@
 // Branches: a duplicate of the table, compiled apart and or'ed back by unify.
+#include <map>
+
+#include "data/data.h"
 #include "equationtable_fixture.h"
 
 namespace {
@@ -144,6 +147,31 @@ TEST_F(Branches, NewSignalsOfABranchAreAdded) {
   EXPECT_EQ(eq("_s_K")->getUserType(), +Compilation::SWIRE);
   EXPECT_EQ(k->getCurrentOccurrence(w), 0);
   EXPECT_EQ(g->Name_var_by_index(k->getOverBddId(m, w)), "_s_K");
+}
+
+// A valued emission in a branch keeps its order behind the values it reads.
+TEST_F(Branches, ValueDependencesSurviveUnify) {
+  Signal* d = input("D");
+  Signal* e = input("E");
+  Signal* o = emitted("O", true);
+  Signal* p = emitted("P", true);
+  o->addValueDependency(d);
+  p->addValueDependency(e);
+  m->setDataTable(new std::map<std::string, DataBinding*>());
+  EquationTable* left = t->duplicate(m);
+  EquationTable* right = t->duplicate(m);
+  left->createUnifyEquation(o, new TrueExpression(), m, false);   // or'ed with right's
+  right->createUnifyEquation(o, new FalseExpression(), m, false);
+  right->pre(m);
+  right->createUnifyEquation(p, new TrueExpression(), m, false);  // a new occurrence: added
+  t->unify(left, m);
+  t->unify(right, m);
+  EXPECT_EQ(rhs("_s_O_1"), g->Bdd_one());
+  EXPECT_EQ(eq("_s_O_1")->getDependances().count(w->Index_var_by_name("_s_D")), 1u);
+  EXPECT_EQ(eq("_v_O_1")->getDependances().count(w->Index_var_by_name("_v_D")), 1u);
+  EXPECT_EQ(rhs("_s_P_2"), g->Bdd_one());
+  EXPECT_EQ(eq("_s_P_2")->getDependances().count(w->Index_var_by_name("_s_E")), 1u);
+  EXPECT_EQ(eq("_v_P_2")->getDependances().count(w->Index_var_by_name("_v_E")), 1u);
 }
 
 }  // namespace
