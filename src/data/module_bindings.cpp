@@ -5,6 +5,7 @@
 
 #include "data/data.h"
 #include "driver/compilation.h"
+#include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
 
@@ -21,10 +22,8 @@ static void addValueSignalEquations(Module* module, Signal* s, DataExpr* e) {
     ids.insert(d->getUnderBddId(module, wood));
   }
   delete deps;
-  // TODO(equations): Bddexpression(id, wood, ids, "VALUE_SIGNAL", 0, 0) for the over and
-  // the under id of s, once the wood is on main.
-  (void)s;
-  Compilation::IllegalOperationException("Bddexpression: not yet available");
+  new Bddexpression(s->getOverBddId(module, wood), wood, ids, "VALUE_SIGNAL", 0, 0);
+  new Bddexpression(s->getUnderBddId(module, wood), wood, ids, "VALUE_SIGNAL", 0, 0);
 }
 
 // Next suffix of a value signal's name; the counter is never reset.
