@@ -350,3 +350,51 @@ TEST_F(BindingTest, QncBindingSection) {
 }
 
 }  // namespace
+
+namespace {
+
+// Evaluation for the simulator, as far as it needs no request to the data server.
+TEST_F(BindingTest, SimulatorEvaluationWithoutServer) {
+  Signal* s = signal(m, "s", 'o', "int");
+  Signal* c = signal(m, "c", 'l');
+  m->addSignalBinding(new DataValue("41"), c, s);
+  Bddexpressionwood* wood = m->getBddWood();
+  long sOver = s->getInitialOverBddId(m, wood);
+
+  DataConstantValueMap constants{{"one", {nullptr, "7"}}};
+  DataSignalValueMap values{{sOver, "--"}};
+  int wires[16] = {0};
+
+  EXPECT_EQ(DataValue("x").QUARNS_put(m, &constants, &values, wires, nullptr), "x");
+  EXPECT_EQ(DataConstant(0).QUARNS_put(m, &constants, &values, wires, nullptr), "7");
+  constants["one"] = {new DataValue("3"), ""};
+  EXPECT_EQ(DataConstant(0).QUARNS_put(m, &constants, &values, wires, nullptr), "3");
+  EXPECT_EQ(constants["one"].second, "3");
+
+  // Absent: no value.
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(DataSignalValue(s).QUARNS_put(m, &constants, &values, wires, nullptr), "--");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "***error:DataSignalValue:QUARNS_put: signal: s  has no value\n");
+  // Present, with the binding's signal present: the bound value.
+  wires[sOver] = 1;
+  wires[c->getInitialOverBddId(m, wood)] = 1;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(DataSignalValue(s).QUARNS_put(m, &constants, &values, wires, nullptr), "41");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Value:41\n");
+  // A known value is kept.
+  values[sOver] = "12";
+  EXPECT_EQ(DataSignalValue(s).QUARNS_put(m, &constants, &values, wires, nullptr), "12");
+
+  DataConstantValueMap noConstants;
+  EXPECT_EXIT(DataConstant(0).QUARNS_put(m, &noConstants, &values, wires, nullptr),
+              testing::ExitedWithCode(1),
+              exact("***error: DataConstant::QUARNS_put: undefined constant:one"));
+  DataSignalValueMap noValues;
+  EXPECT_EXIT(DataSignalValue(s).QUARNS_put(m, &constants, &noValues, wires, nullptr),
+              testing::ExitedWithCode(1),
+              exact("***error: DataSignalValue:QUARNS_put: signal: s  undefined in  data signal "
+                    "value table"));
+}
+
+}  // namespace
