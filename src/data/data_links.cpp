@@ -6,8 +6,12 @@
 
 std::string dataModuleName(Module* module) { return module ? module->getName() : std::string(); }
 
-std::string dataVarName(Module* module, long index) {
-  return module->getBddWood()->Name_var_by_index(index);
+std::string dataVarName(Module* module, long index, const std::string& signal) {
+  Bddexpressionwood* wood = module->getBddWood();
+  if (!wood || index < 0 || index >= wood->Nb_bdd_vars())
+    Compilation::IllegalOperationException("DataSignalValue: no variable for the value of signal " +
+                                           signal);
+  return wood->Name_var_by_index(index);
 }
 
 // TODO(driver): Compilation::Socket_call once it is on main.

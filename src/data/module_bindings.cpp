@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "data/data.h"
+#include "data/data_links.h"
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
@@ -125,11 +126,12 @@ std::list<DataBinding*>* Module::getDataBindingByClock(Signal* clock) {
 // clock's variables.
 static void putBindingLine(std::ostream& out, long* corres, long over, long under, int idx,
                            Signal* clock, Module* module) {
-  out << "   (" << corres[over] << ", " << corres[under] << "): value: " << idx;
+  out << "   (" << dataFileNumber(corres, over) << ", " << dataFileNumber(corres, under)
+      << "): value: " << idx;
   if (clock) {
     Bddexpressionwood* wood = module->getBddWood();
-    out << " clock: (" << corres[clock->getInitialOverBddId(module, wood)] << ", "
-        << corres[clock->getInitialUnderBddId(module, wood)] << ")";
+    out << " clock: (" << dataFileNumber(corres, clock->getInitialOverBddId(module, wood)) << ", "
+        << dataFileNumber(corres, clock->getInitialUnderBddId(module, wood)) << ")";
   }
   out << ";" << std::endl;
 }
