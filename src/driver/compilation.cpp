@@ -75,20 +75,7 @@ void Compilation::HashTableAddException(const std::string& table, const std::str
   fatal(text + " add:" + key + " is already defined");
 }
 
-void Compilation::qn_parse(const std::string& filename) {
-  std::ifstream* in = new std::ifstream(filename);
-  if (!in->is_open()) {
-    delete in;
-    fl_show_Salert("Can not open input file:", filename, "");
-    // The box may be skipped (batch run, no display): the text stays on the error stream.
-    std::cerr << "Can not open input file: " << filename << std::endl;
-    std::exit(1);
-  }
-  // TODO(front): pqn_parser = new class_qn_parser(new qnFlexLexer(in, nullptr));
-  // pqn_parser->parse(); then close the file. The lexer stays for the run.
-  in->close();
-  delete in;
-}
+// Compilation::qn_parse is defined with the source parser, in front/parse_supl.cpp.
 
 // The first line of a compiled module file, at most 256 characters; empty if the file
 // can't be read.
