@@ -295,8 +295,13 @@ class Bddexpressionwood {
   void Date_from(const std::vector<long>& seeds, const char* too_big);
   void Direct_dates(const std::vector<long>& seeds);
   // Heaviest path below (downward) or above an index, memoised; sets `cycle`
-  // when the walk meets one.
-  long Path_weight(long index, bool downward, bool& cycle);
+  // when the walk meets one. Without `fresh` the values of the previous walk
+  // in the same direction are reused: the graph must not have changed.
+  long Path_weight(long index, bool downward, bool& cycle, bool fresh = true);
+  // Composes the equation at `index` into the concrete reader `r`.
+  void Compose_into(long r, long index);
+  // Drops from each readers set the entries whose equation doesn't read it.
+  void Prune_readers();
 
   int common_bdd_manager = 0;
   bddpp_manager* manager = nullptr;
