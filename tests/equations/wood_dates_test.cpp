@@ -265,6 +265,42 @@ TEST(WoodDates, SameDatesAsEagerPropagationOnRandomAcyclicWoods) {
   }
 }
 
+// With cycles: the report holds exactly the equations on a cycle and those
+// that read, directly or not, an equation on a cycle.
+TEST(WoodDates, CycleReportOnRandomWoods) {
+  std::mt19937 rng(11);
+  for (int round = 0; round < 80; ++round) {
+    SCOPED_TRACE(round);
+    long n = 2 + long(rng() % 16);
+    std::vector<std::string> names;
+    for (long i = 0; i < n; ++i) names.push_back("v" + std::to_string(i));
+    Wood w(names);
+    std::vector<std::vector<char>> reach(n, std::vector<char>(n, 0));  // reach[a][b]: b reads a, maybe not directly
+    for (long i = 0; i < n; ++i) {
+      if (rng() % 5 == 0) continue;
+      std::vector<std::string> reads;
+      for (long j = 0; j < n; ++j)
+        if (rng() % 6 == 0) {
+          reads.push_back(names[j]);
+          reach[j][i] = 1;
+        }
+      w.eq(names[i], reads);
+    }
+    for (long k = 0; k < n; ++k)
+      for (long a = 0; a < n; ++a)
+        for (long b = 0; b < n; ++b)
+          if (reach[a][k] && reach[k][b]) reach[a][b] = 1;
+    std::list<long> expected;
+    for (long i = 0; i < n; ++i) {
+      bool behind = false;
+      for (long c = 0; c < n; ++c)
+        if (reach[c][c] && (c == i || reach[c][i])) behind = true;
+      if (behind) expected.push_back(i);
+    }
+    EXPECT_EQ(w.wood.loop_detection(), expected);
+  }
+}
+
 TEST(WoodPaths, WeightedCriticalPathsAndClosures) {
   Wood w({"x", "a", "b", "c", "y"});
   w.eq("a", {"x", "y"})->setW(5);
