@@ -15,6 +15,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <list>
 #include <map>
@@ -273,7 +274,9 @@ class Bddexpressionwood {
   void internal_global_build_dependances();
   bdd reduce_proposition_by_assertion();
 
-  // ---- instantiation: defined with the wood instantiation ----
+  // ---- instantiation (wood_instance.cpp): the sub-wood's equations copied
+  // under the names of the map (a missing entry warns and is empty) or with
+  // the suffix appended ----
   void Include_wood_instance(Bddexpressionwood& sub, std::map<std::string, std::string>* names);
   void Include_wood_instance(Bddexpressionwood& sub, const std::string& suffix);
 
@@ -302,6 +305,10 @@ class Bddexpressionwood {
   void Compose_into(long r, long index);
   // Drops from each readers set the entries whose equation doesn't read it.
   void Prune_readers();
+  // Both forms of Include_wood_instance: `rename` gives the parent's name of a
+  // sub-module name (a true second argument makes a missing one fatal).
+  void Include(Bddexpressionwood& sub, const std::function<std::string(const std::string&, bool)>& rename,
+               bool verbose);
 
   int common_bdd_manager = 0;
   bddpp_manager* manager = nullptr;
