@@ -182,6 +182,20 @@ TEST(WoodDates, ListDatingFindsACycleThatItEnters) {
   EXPECT_GT(b->getEarlyDate(), w.wood.Nb_bdd_vars());
 }
 
+TEST(WoodDates, PastTwiceTheVariablesOnlyDirectStepsAreTaken) {
+  // Dates brought from elsewhere put Nb_level past 2 * Nb_bdd_vars: a list
+  // dating then raises the readers of the listed equations and goes no further.
+  Wood w({"x", "a", "b", "c"});
+  new Bddexpression("a", &w.wood, w.var("a"), w.var("x"), 100, 0);
+  w.eq("b", {"a"});
+  w.eq("c", {"b"});
+  EXPECT_EQ(w.wood.Nb_level(), 100);
+  EXPECT_EQ(w.wood.compute_dates(w.ids({"a"})), 102);
+  EXPECT_EQ(w.early("b"), 101);
+  EXPECT_EQ(w.early("c"), 0);
+  EXPECT_EQ(w.late("x"), 1);
+}
+
 // The dating as a literal eager propagation, to compare with on cycle-free woods.
 struct Reference {
   long n;

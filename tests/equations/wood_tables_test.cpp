@@ -167,6 +167,21 @@ TEST(WoodTables, RecordsWithoutWoodRefuseTheWoodOperations) {
             "INTERNAL ERROR in Bddexpressionwood::learn_expression():\nno expression !!!\n");
 }
 
+TEST(WoodTables, InsertingAVariableMovesTheTables) {
+  Wood w({"x", "a"});
+  new Bddexpression("a", &w.wood, w.var("a"), w.var("x"), 0, 0);
+  w.wood.setLateDate(w.at("x"), 3);
+  bdd n = w.wood.New_var_before_by_index(0, "_s_n");
+  EXPECT_EQ(w.m->Index_var_by_bdd(n), 0);
+  EXPECT_EQ(w.wood.Nb_bdd_vars(), 3);
+  EXPECT_EQ(w.wood.exp_by_index(0), nullptr);
+  ASSERT_NE(w.wood.exp_by_index(2), nullptr);
+  EXPECT_EQ(w.wood.exp_by_index(2)->getDependances(), std::set<long>({1}));
+  EXPECT_EQ(w.wood.getReaders(1), std::set<long>({2}));
+  EXPECT_EQ(w.wood.getLateDate(1), 3);
+  EXPECT_EQ(w.wood.getExpIds(), std::set<long>({2}));
+}
+
 TEST(WoodTables, CleanAndForget) {
   Wood w({"x", "k", "r", "u", "o"});
   new Bddexpression("k", &w.wood, w.var("k"), w.m->Bdd_one(), 0, 0);   // constant, read by r
