@@ -4,6 +4,7 @@
 set -u
 QUARNC=${1:-build/quarnc}
 QUARNC=$(cd "$(dirname "$QUARNC")" && pwd)/$(basename "$QUARNC")
+EXAMPLES=$(cd "$(dirname "$0")" && pwd)
 # The demo runs without windows: message boxes stay closed.
 export QUARN_BATCH=1
 WORK=$(mktemp -d)
@@ -22,10 +23,17 @@ usage() {
   run -h 2>&1
 }
 
+compile_abro() {
+  cp "$EXAMPLES/abro.qn" "$WORK/"
+  step "compile ABRO to a compiled module and C" -qnc -c -main abro abro.qn
+  run -qnc -c -main abro abro.qn 2>&1
+  echo "files written:"; (cd "$WORK" && ls | grep -v '\.qn$' | sed 's/^/  /')
+}
+
 wrong_command_line() {
   step "a wrong command line is reported and ends with status 1" m.qn -o
   run m.qn -o 2>&1
 }
 
-STEPS=(banner usage wrong_command_line)
+STEPS=(banner usage compile_abro wrong_command_line)
 for s in "${STEPS[@]}"; do "$s"; done

@@ -1,13 +1,17 @@
 #include "data/data_links.h"
 
 #include "driver/compilation.h"
+#include "equations/Bddexpression.h"
 #include "model/module.h"
 
 std::string dataModuleName(Module* module) { return module ? module->getName() : std::string(); }
 
-// TODO(equations): Bddexpressionwood::Name_var_by_index once the wood is on main.
-std::string dataVarName(Module*, long) {
-  Compilation::IllegalOperationException("Bddexpressionwood::Name_var_by_index: not yet available");
+std::string dataVarName(Module* module, long index, const std::string& signal) {
+  Bddexpressionwood* wood = module->getBddWood();
+  if (!wood || index < 0 || index >= wood->Nb_bdd_vars())
+    Compilation::IllegalOperationException("DataSignalValue: no variable for the value of signal " +
+                                           signal);
+  return wood->Name_var_by_index(index);
 }
 
 // TODO(driver): Compilation::Socket_call once it is on main.

@@ -103,8 +103,8 @@ void DataSignalValue::QNC_put(std::ostream& out, long* corres, Module* module,
                       ? Compilation::GDataTypeTable->getIndex(getType(module))
                       : -1;
   out << "%%" << SignalVal + NbPredefOp * typeIndex << "("
-      << corres[signal->getInitialOverBddId(module, wood)] << ", "
-      << corres[signal->getInitialUnderBddId(module, wood)] << ")";
+      << dataFileNumber(corres, signal->getInitialOverBddId(module, wood)) << ", "
+      << dataFileNumber(corres, signal->getInitialUnderBddId(module, wood)) << ")";
 }
 
 void DataSignalValue::DEBUG_put(std::ostream& out, Module* module, std::list<DataExpr*>& list,
@@ -124,19 +124,23 @@ void DataSignalValue::C_put(std::ostream& out, Module* module) {
   if (signal->isPre() || signal->isOutput())
     out << signal->getOriginalName();
   else
-    out << dataVarName(module, signal->getInitialOverBddId(module, module->getBddWood()));
+    out << dataVarName(module, signal->getInitialOverBddId(module, module->getBddWood()),
+                       signal->getInternalName());
   out << "_val";
 }
 
 void DataSignalValue::CSharp_put(std::ostream& out, Module* module) {
   if (signal->isOutput()) out << " ";
-  out << dataVarName(module, signal->getOverBddId(module, module->getBddWood())) << "_val";
+  out << dataVarName(module, signal->getOverBddId(module, module->getBddWood()),
+                     signal->getInternalName())
+      << "_val";
 }
 
 // The name under which Lustre, Esterel and VHDL read the signal's value.
 static std::string synchronousValueName(Signal* signal, Module* module) {
   if (signal->isPre()) return signal->getOriginalName();
-  return dataVarName(module, signal->getInitialOverBddId(module, module->getBddWood()));
+  return dataVarName(module, signal->getInitialOverBddId(module, module->getBddWood()),
+                     signal->getInternalName());
 }
 
 void DataSignalValue::LUSTRE_put(std::ostream& out, Module* module) {
@@ -161,8 +165,9 @@ void DataSignalValue::DEBUG_put(std::ostream& out, Module*) {
 // A signal is present when its over wire holds 1 and its under wire 0.
 static bool isPresent(Signal* s, Module* module, int* wires) {
   Bddexpressionwood* wood = module->getBddWood();
-  return wires[s->getInitialOverBddId(module, wood)] == 1 &&
-         wires[s->getInitialUnderBddId(module, wood)] == 0;
+  long over = s->getInitialOverBddId(module, wood);
+  long under = s->getInitialUnderBddId(module, wood);
+  return over >= 0 && under >= 0 && wires[over] == 1 && wires[under] == 0;
 }
 
 std::string DataSignalValue::QUARNS_put(Module* module, DataConstantValueMap* constants,

@@ -4,7 +4,9 @@
 #include <iostream>
 
 #include "data/data.h"
+#include "data/data_links.h"
 #include "driver/compilation.h"
+#include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
 
@@ -21,10 +23,8 @@ static void addValueSignalEquations(Module* module, Signal* s, DataExpr* e) {
     ids.insert(d->getUnderBddId(module, wood));
   }
   delete deps;
-  // TODO(equations): Bddexpression(id, wood, ids, "VALUE_SIGNAL", 0, 0) for the over and
-  // the under id of s, once the wood is on main.
-  (void)s;
-  Compilation::IllegalOperationException("Bddexpression: not yet available");
+  new Bddexpression(s->getOverBddId(module, wood), wood, ids, "VALUE_SIGNAL", 0, 0);
+  new Bddexpression(s->getUnderBddId(module, wood), wood, ids, "VALUE_SIGNAL", 0, 0);
 }
 
 // Next suffix of a value signal's name; the counter is never reset.
@@ -126,11 +126,12 @@ std::list<DataBinding*>* Module::getDataBindingByClock(Signal* clock) {
 // clock's variables.
 static void putBindingLine(std::ostream& out, long* corres, long over, long under, int idx,
                            Signal* clock, Module* module) {
-  out << "   (" << corres[over] << ", " << corres[under] << "): value: " << idx;
+  out << "   (" << dataFileNumber(corres, over) << ", " << dataFileNumber(corres, under)
+      << "): value: " << idx;
   if (clock) {
     Bddexpressionwood* wood = module->getBddWood();
-    out << " clock: (" << corres[clock->getInitialOverBddId(module, wood)] << ", "
-        << corres[clock->getInitialUnderBddId(module, wood)] << ")";
+    out << " clock: (" << dataFileNumber(corres, clock->getInitialOverBddId(module, wood)) << ", "
+        << dataFileNumber(corres, clock->getInitialUnderBddId(module, wood)) << ")";
   }
   out << ";" << std::endl;
 }

@@ -4,14 +4,13 @@
 #include <fstream>
 #include <iostream>
 
-#include "driver/run_files.h"
 #include "gui/formspp.h"
+#include "model/module.h"
 #include "util/Stringpp.h"
 
-// TODO(model): both tables are created empty before main (ModTable printing on standard
-// output) once ModuleTable lands.
-ModuleTable* Compilation::ModTable = nullptr;
-ModuleTable* Compilation::QncModTable = nullptr;
+// Both tables exist, empty, before main; ModuleTable prints on standard output.
+ModuleTable* Compilation::ModTable = new ModuleTable();
+ModuleTable* Compilation::QncModTable = new ModuleTable();
 class_qn_parser* Compilation::pqn_parser = nullptr;
 std::string* Compilation::EmptyString = new std::string();
 DataTypeTable* Compilation::GDataTypeTable = nullptr;
@@ -88,7 +87,7 @@ static std::string qncFirstLine(const std::string& file) {
 }
 
 std::string Compilation::getQncFileName(const std::string& name) {
-  std::list<std::string>* files = RunFiles::CompilationFileList;
+  std::list<std::string>* files = Module::CompilationFileList;
   if (files == nullptr) return "";
   for (const std::string& file : *files)
     if (contains(qncFirstLine(file), name)) return file;
@@ -96,7 +95,7 @@ std::string Compilation::getQncFileName(const std::string& name) {
 }
 
 long Compilation::getReincarnateFromQncFile(const std::string& name) {
-  std::list<std::string>* files = RunFiles::CompilationFileList;
+  std::list<std::string>* files = Module::CompilationFileList;
   if (files == nullptr) return -1;
   for (const std::string& file : *files) {
     std::string line = qncFirstLine(file);

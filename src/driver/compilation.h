@@ -13,6 +13,7 @@ class class_qn_parser;
 class DataTypeTable;
 class DataMethodTable;
 class DataConstantTable;
+struct socket_type;
 
 // Target languages for per-language constant values and data expression printers.
 class TLanguage {
@@ -100,4 +101,9 @@ class Compilation {
   static long getReincarnateFromQncFile(const std::string& name);
   static Module* createModuleFromQncCode(const std::string& name, std::list<std::string>* inputNames,
                                          std::list<std::string>* outputNames);
+
+  // Simulator link: sends buffer, logs "Socket_call buffer: " and it on the error stream,
+  // returns one reply of at most 1023 bytes ("" once the peer has closed).
+  // TODO(sim): defined beside the socket layer (SOCK_write/SOCK_read) when it lands.
+  static std::string Socket_call(const std::string& buffer, socket_type* s);
 };

@@ -3,16 +3,12 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "driver/compilation.h"
 #include "data/data.h"
-#include "driver/run_files.h"
+#include "driver/compilation.h"
 #include "gui/formspp.h"
+#include "model/module.h"
 #include "util/g_time.h"
 #include "util/version.h"
-
-std::string RunFiles::OutputFile;
-std::string RunFiles::OutputDir = ".";
-std::list<std::string>* RunFiles::CompilationFileList = nullptr;
 
 namespace {
 
@@ -140,10 +136,10 @@ CommandLine scanCommandLine(const std::vector<std::string>& args) {
 void applyCommandLine(const CommandLine& cl) {
   for (const FlagTarget& t : kFlagTargets)
     if (cl.*(t.field)) *t.flag = true;
-  if (cl.outputFile) RunFiles::OutputFile = *cl.outputFile;
-  if (cl.outputDir) RunFiles::OutputDir = *cl.outputDir;
+  if (cl.outputFile) Module::OutputFile = *cl.outputFile;
+  if (cl.outputDir) Module::OutputDir = *cl.outputDir;
   if (cl.compilationFiles)
-    RunFiles::CompilationFileList = new std::list<std::string>(*cl.compilationFiles);
+    Module::CompilationFileList = new std::list<std::string>(*cl.compilationFiles);
 }
 
 std::string usageText(bool amongOthers) {
@@ -207,8 +203,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
     std::exit(1);
   }
 
-  // TODO(model): Module* mainModule = Compilation::ModTable->get(mainName);
-  void* mainModule = nullptr;
+  Module* mainModule = Compilation::ModTable->get(mainName);
   if (mainModule == nullptr) {
     std::cerr << "Main module: " << mainName << " undefined\n";
     fl_show_Salert("Main module:", mainName, "undefined");
@@ -220,36 +215,43 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   g_chrono chrono;
   chrono.Go();
 
-  // TODO(model): complementary_check_syntax on every module of ModTable in ascending
-  // name order, then once more on the main module; then mainModule->compile().
-  // TODO(model): if (Compilation::CheckOverKnowledgeFlag) mainModule->check_over_knowledge();
+  // Every module of the file is checked, used by the main module or not. A check may
+  // parse another source file into the table; the map's iterators stay valid.
+  for (auto& [moduleName, module] : *Compilation::ModTable->getTable())
+    module->complementary_check_syntax();
+  mainModule->complementary_check_syntax();
+  // TODO(equations): mainModule->compile(); links once the wood reductions are on main.
+  if (Compilation::CheckOverKnowledgeFlag) {
+    // TODO(model): mainModule->check_over_knowledge();
+  }
 
   bool anyTarget = Compilation::SMVFlag || Compilation::BLIFFlag || Compilation::CFlag ||
                    Compilation::CSHARPFlag || Compilation::VHDLALTERAFlag;
   if (anyTarget) {
-    // TODO(model): Module* copy = new Module(*mainModule); copy->finalize(0);
+    // The generators work on a finalized private copy; the main module stays as compiled.
+    // TODO(equations): Module* copy = new Module(*mainModule); copy->finalize(0);
     if (Compilation::SMVFlag) {
-      // TODO(model): copy->printSMV();
+      // TODO(targets): copy->printSMV();
     }
     if (Compilation::BLIFFlag) {
       std::cerr << "\n*** generate " << name << ".blif" << std::endl;
-      // TODO(model): copy->printBLIF();
+      // TODO(targets): copy->printBLIF();
     }
     if (Compilation::CFlag) {
       std::cerr << "\n*** generate " << name << ".c and " << name << ".h" << std::endl;
-      // TODO(model): copy->printC();
+      // TODO(targets): copy->printC();
     }
     if (Compilation::CSHARPFlag) {
       std::cerr << "\n*** generate " << name << ".cs" << std::endl;
-      // TODO(model): copy->printCSHARP();
+      // TODO(targets): copy->printCSHARP();
     }
     if (Compilation::VHDLALTERAFlag) {
       std::cerr << "\n*** generate " << name << ".vhd" << std::endl;
-      // TODO(model): copy->printVHDL();
+      // TODO(targets): copy->printVHDL();
     }
   }
   if (Compilation::SaveFlag) {
-    std::cerr << "\n**** Save " << shownQncName(name, RunFiles::OutputFile) << "\n\n";
+    std::cerr << "\n**** Save " << shownQncName(name, Module::OutputFile) << "\n\n";
     // TODO(model): mainModule->save();
   }
   if (Compilation::DebugFlag) {
@@ -280,7 +282,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
 
   long ms = chrono.Stop();
   std::cout << "compilation finished in " << ms / 1000.0 << " seconds" << "\n\n";
-  // TODO(model): delete mainModule;
+  delete mainModule;
   return 0;
 }
 

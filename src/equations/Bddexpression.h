@@ -15,6 +15,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <list>
 #include <map>
@@ -273,7 +274,9 @@ class Bddexpressionwood {
   void internal_global_build_dependances();
   bdd reduce_proposition_by_assertion();
 
-  // ---- instantiation: defined with the wood instantiation ----
+  // ---- instantiation (wood_instance.cpp): the sub-wood's equations copied
+  // under the names of the map (a missing entry warns and is empty) or with
+  // the suffix appended ----
   void Include_wood_instance(Bddexpressionwood& sub, std::map<std::string, std::string>* names);
   void Include_wood_instance(Bddexpressionwood& sub, const std::string& suffix);
 
@@ -295,8 +298,17 @@ class Bddexpressionwood {
   void Date_from(const std::vector<long>& seeds, const char* too_big);
   void Direct_dates(const std::vector<long>& seeds);
   // Heaviest path below (downward) or above an index, memoised; sets `cycle`
-  // when the walk meets one.
-  long Path_weight(long index, bool downward, bool& cycle);
+  // when the walk meets one. Without `fresh` the values of the previous walk
+  // in the same direction are reused: the graph must not have changed.
+  long Path_weight(long index, bool downward, bool& cycle, bool fresh = true);
+  // Composes the equation at `index` into the concrete reader `r`.
+  void Compose_into(long r, long index);
+  // Drops from each readers set the entries whose equation doesn't read it.
+  void Prune_readers();
+  // Both forms of Include_wood_instance: `rename` gives the parent's name of a
+  // sub-module name (a true second argument makes a missing one fatal).
+  void Include(Bddexpressionwood& sub, const std::function<std::string(const std::string&, bool)>& rename,
+               bool verbose);
 
   int common_bdd_manager = 0;
   bddpp_manager* manager = nullptr;

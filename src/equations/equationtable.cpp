@@ -233,6 +233,24 @@ static long variableHere(Bddexpressionwood* w, const std::string& name) {
   return SignalRef::computeId(name, w);
 }
 
+// The dependences of a concrete equation that its right member doesn't show: those
+// createUnifyEquation added for emitted values, by name in e's wood.
+static std::list<std::string> valueDependenceNames(Bddexpression* e) {
+  std::list<std::string> names;
+  Bddexpressionwood* w = e->getBddexpressionwood();
+  std::set<long> shown = w->my_bdd_manager()->set_of_index_depend_on(e->my_bdd_exp());
+  for (long d : e->getDependances())
+    if (shown.count(d) == 0) names.push_back(w->Name_var_by_index(d));
+  return names;
+}
+
+// Rebuilding a right member rebuilds the dependences from it: the value dependences
+// are entered again.
+static void restoreValueDependences(Bddexpression* e, const std::list<std::string>& names) {
+  for (const std::string& n : names)
+    e->add_specific_var_dependance(variableHere(e->getBddexpressionwood(), n));
+}
+
 void EquationTable::add(Bddexpression* e, Module* m) {
   Bddexpressionwood* source = e->getBddexpressionwood();
   bddpp_manager* here = wood->my_bdd_manager();
@@ -248,9 +266,10 @@ void EquationTable::add(Bddexpression* e, Module* m) {
     copy->setName(e->getName());
     copy->setUserType(e->getUserType());
   } else {
-    new Bddexpression(e->getName(), wood, variable,
-                      Bdd_isomorphe_by_name(here, there, e->my_bdd_exp()), e->getEarlyDate(),
-                      e->getLateDate(), e->getUserType());
+    auto* copy = new Bddexpression(e->getName(), wood, variable,
+                                   Bdd_isomorphe_by_name(here, there, e->my_bdd_exp()),
+                                   e->getEarlyDate(), e->getLateDate(), e->getUserType());
+    restoreValueDependences(copy, valueDependenceNames(e));
   }
   SignalManager* sm = m->getSignalManager();
   std::string refName = my_after(bddName, 3);
@@ -307,7 +326,10 @@ void EquationTable::unify(EquationTable* other, Module* m) {
       add(eq, m);
       continue;
     }
+    std::list<std::string> values = valueDependenceNames(mine);
+    values.splice(values.end(), valueDependenceNames(eq));
     mine->append_or_exp(Bdd_isomorphe_by_name(here, there, eq->my_bdd_exp()));
+    restoreValueDependences(mine, values);
     Signal* s = m->getSignal(stripped);
     if (s != nullptr && s->hasOccurrence(ow)) {
       int theirs = s->getCurrentOccurrence(ow);

@@ -372,14 +372,16 @@ std::set<long> Bddexpressionwood::down_dependances(long index, long depth, const
 // without readers. Up: the weight of `start` plus the heaviest such sum of
 // its dependences, if positive. Each index is valued once per walk; an edge
 // back onto the current path closes a cycle and is left out.
-long Bddexpressionwood::Path_weight(long start, bool downward, bool& cycle) {
+long Bddexpressionwood::Path_weight(long start, bool downward, bool& cycle, bool fresh) {
   const long n = nb_bdd_vars;
   if (long(walk_stamp.size()) < n) {
     walk_stamp.resize(n, 0);
     walk_value.resize(n, 0);
     walk_state.resize(n, 0);
   }
-  if (++walk_serial == 0) {
+  if (walk_serial == 0) fresh = true;
+  if (!fresh && walk_stamp[start] == walk_serial) return walk_value[start];
+  if (fresh && ++walk_serial == 0) {
     std::fill(walk_stamp.begin(), walk_stamp.end(), 0);
     walk_serial = 1;
   }

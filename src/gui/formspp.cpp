@@ -58,10 +58,11 @@ void fl_show_Sbigmessages(const std::string& text, int width) {
   if (!quarn_display_reachable()) return;
   int w = 6 * width + 10;
   int h = 570;
+  // Forms coordinates count y from the bottom: the buttons stand under the browser.
   FL_FORM* form = fl_bgn_form(FL_UP_BOX, w, h);
-  Fl_Widget* browser = fl_add_browser(FL_NORMAL_BROWSER, 5, 5, w - 10, h - 45, "");
-  Fl_Widget* quit = fl_add_button(FL_NORMAL_BUTTON, w - 85, h - 35, 80, 30, "Quit");
-  Fl_Widget* save = fl_add_button(FL_NORMAL_BUTTON, 5, h - 35, 80, 30, "save");
+  Fl_Widget* browser = fl_add_browser(FL_NORMAL_BROWSER, 5, 40, w - 10, h - 45, "");
+  Fl_Widget* quit = fl_add_button(FL_NORMAL_BUTTON, w - 85, 5, 80, 30, "Quit");
+  Fl_Widget* save = fl_add_button(FL_NORMAL_BUTTON, 5, 5, 80, 30, "save");
   fl_end_form();
   string rest = text;
   while (!rest.empty()) {

@@ -13,7 +13,7 @@
 #include <list>
 
 #include "driver/compilation.h"
-#include "driver/run_files.h"
+#include "model/module.h"
 #include "gui/formspp.h"
 #include "gui/winquarnc_interface.h"
 #include "util/Stringpp.h"
@@ -51,13 +51,13 @@ void readPanel(winquarnc_interface* panel, PanelRun& run) {
   for (const auto& c : checks)
     if (c.button->value()) *c.flag = true;
   run.mainName = panel->main_module_field->value();
-  RunFiles::OutputFile = panel->output_file_field->value();
+  Module::OutputFile = panel->output_file_field->value();
   std::string dir = panel->output_directory_field->value();
-  if (!dir.empty()) RunFiles::OutputDir = dir;
+  if (!dir.empty()) Module::OutputDir = dir;
   auto* files = new std::list<std::string>();
   std::string rest = panel->compiled_files_field->value();
   while (!rest.empty()) files->push_back(next_record(rest, ' ', rest));
-  RunFiles::CompilationFileList = files;
+  Module::CompilationFileList = files;
 }
 
 bool panel_mode(int argc, char** argv, PanelRun& run) {

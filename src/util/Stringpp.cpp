@@ -1,6 +1,9 @@
 #include "util/Stringpp.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
 #include <cctype>
 #include <cstring>
 #include <vector>
@@ -9,6 +12,47 @@ string unslong2S(unsigned long n) { return std::to_string(n); }
 string long2S(long n) { return std::to_string(n); }
 string longlong2S(long long n) { return std::to_string(n); }
 string unslonglong2S(unsigned long long n) { return std::to_string(n); }
+
+string dtoS(double d) {
+  std::ostringstream out;
+  out << d;
+  return out.str();
+}
+
+string ctoS(char c) { return string(1, c); }
+
+static string fixedHex(unsigned long v, int digits) {
+  static const char kDigits[] = "0123456789ABCDEF";
+  string r(digits, '0');
+  for (int i = digits - 1; i >= 0; i--, v >>= 4) r[i] = kDigits[v & 0xF];
+  return r;
+}
+
+string hex1toS(unsigned long v) { return fixedHex(v, 1); }
+string hex2toS(unsigned long v) { return fixedHex(v, 2); }
+string hex4toS(unsigned long v) { return fixedHex(v, 4); }
+string hex8toS(unsigned long v) { return fixedHex(v, 8); }
+
+string bin8toS(unsigned long v) {
+  string r(8, '0');
+  for (int i = 7; i >= 0; i--, v >>= 1) r[i] = (v & 1) ? '1' : '0';
+  return r;
+}
+
+double Stod(const string& s) { return std::strtod(s.c_str(), nullptr); }
+
+unsigned long Stouhex(const string& s) {
+  unsigned long v = 0;
+  for (char c : s) {
+    if (c >= '0' && c <= '9')
+      v = v * 16 + static_cast<unsigned long>(c - '0');
+    else if (c >= 'a' && c <= 'f')
+      v = v * 16 + static_cast<unsigned long>(c - 'a' + 10);
+    else if (c >= 'A' && c <= 'F')
+      v = v * 16 + static_cast<unsigned long>(c - 'A' + 10);
+  }
+  return v;
+}
 
 // Digits are folded in without a check; unsigned arithmetic keeps an over-long text
 // from overflowing into undefined behaviour.
@@ -56,6 +100,79 @@ bool checkvarname(const string& s) {
   for (char c : s)
     if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') return false;
   return true;
+}
+
+bool checkdouble(const string& s) {
+  if (s.empty()) return false;
+  char* end = nullptr;
+  std::strtod(s.c_str(), &end);
+  return end != nullptr && *end == '\0' && !std::isspace(static_cast<unsigned char>(s[0]));
+}
+
+bool checkhex(const string& s) {
+  if (s.empty()) return false;
+  for (char c : s)
+    if (!std::isxdigit(static_cast<unsigned char>(c))) return false;
+  return true;
+}
+
+bool checkbin(const string& s) {
+  if (s.empty()) return false;
+  for (char c : s)
+    if (c != '0' && c != '1') return false;
+  return true;
+}
+
+bool beginbynumber(const string& s) {
+  return !s.empty() && std::isdigit(static_cast<unsigned char>(s[0]));
+}
+
+// Position of the first occurrence of token at or after from that stands as a token.
+static size_t find_token(const string& s, const string& token, size_t from) {
+  if (token.empty()) return string::npos;
+  for (size_t p = s.find(token, from); p != string::npos; p = s.find(token, p + 1)) {
+    bool before = p == 0 || !est_lc(s[p - 1]);
+    size_t e = p + token.size();
+    bool after = e >= s.size() || !est_lc(s[e]);
+    if (before && after) return p;
+  }
+  return string::npos;
+}
+
+bool contains_token(const string& s, const string& token) {
+  return find_token(s, token, 0) != string::npos;
+}
+
+string substitute_token(const string& s, const string& what, const string& by) {
+  string r;
+  size_t from = 0;
+  for (size_t p = find_token(s, what, 0); p != string::npos; p = find_token(s, what, from)) {
+    r += s.substr(from, p - from) + by;
+    from = p + what.size();
+  }
+  return r + s.substr(from);
+}
+
+string extract_filename_name(const string& path) {
+  size_t p = path.rfind('/');
+  return p == string::npos ? path : path.substr(p + 1);
+}
+
+string extract_filename_path(const string& path) {
+  size_t p = path.rfind('/');
+  return p == string::npos ? "" : path.substr(0, p);
+}
+
+string supress_filename_extension(const string& name) {
+  size_t slash = name.rfind('/');
+  size_t dot = name.rfind('.');
+  if (dot == string::npos || (slash != string::npos && dot < slash)) return name;
+  return name.substr(0, dot);
+}
+
+string my_current_directory() {
+  std::error_code ec;
+  return std::filesystem::current_path(ec).string();
 }
 
 bool est_lc(char c) {

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <unistd.h>
 
-#include "driver/run_files.h"
+#include "model/module.h"
 
 namespace {
 
@@ -35,6 +35,15 @@ TEST_F(Reports, TextsOnTheErrorStreamAndExitOne) {
 TEST_F(Reports, SourceFileThatCanNotBeOpened) {
   EXPECT_EXIT(Compilation::qn_parse("/nonexistent/dir/x.qn"), ::testing::ExitedWithCode(1),
               "Can not open input file:");
+  EXPECT_EXIT(Compilation::qn_parse("/"), ::testing::ExitedWithCode(1), "Can not open input file:");
+}
+
+TEST(Tables, ExistEmptyBeforeAnyParse) {
+  ASSERT_NE(Compilation::ModTable, nullptr);
+  ASSERT_NE(Compilation::QncModTable, nullptr);
+  EXPECT_TRUE(Compilation::ModTable->getTable()->empty());
+  EXPECT_TRUE(Compilation::QncModTable->getTable()->empty());
+  EXPECT_EQ(Compilation::ModTable->get("m"), nullptr);
 }
 
 TEST(Wires, Names) {
@@ -58,10 +67,10 @@ class QncSearch : public ::testing::Test {
     write("abc.qnc", "module: abc  1 0\nrest\n");
     write("ab.qnc", "module: ab  0 1\n");
     write("xyz.qnc", "module: xyz  0 0\n");
-    saved = RunFiles::CompilationFileList;
+    saved = Module::CompilationFileList;
   }
   void TearDown() override {
-    RunFiles::CompilationFileList = saved;
+    Module::CompilationFileList = saved;
     std::filesystem::remove_all(dir);
   }
   void write(const std::string& name, const std::string& text) {
@@ -74,11 +83,11 @@ class QncSearch : public ::testing::Test {
 };
 
 TEST_F(QncSearch, AbsentOrEmptyListFindsNothing) {
-  RunFiles::CompilationFileList = nullptr;
+  Module::CompilationFileList = nullptr;
   EXPECT_EQ(Compilation::getQncFileName("abc"), "");
   EXPECT_EQ(Compilation::getReincarnateFromQncFile("abc"), -1);
   std::list<std::string> none;
-  RunFiles::CompilationFileList = &none;
+  Module::CompilationFileList = &none;
   EXPECT_EQ(Compilation::getQncFileName("abc"), "");
   EXPECT_EQ(Compilation::getReincarnateFromQncFile("abc"), -1);
 }
@@ -86,7 +95,7 @@ TEST_F(QncSearch, AbsentOrEmptyListFindsNothing) {
 TEST_F(QncSearch, FirstLineMatchInListOrder) {
   std::list<std::string> files = {path("missing.qnc"), path("abc.qnc"), path("ab.qnc"),
                                   path("xyz.qnc")};
-  RunFiles::CompilationFileList = &files;
+  Module::CompilationFileList = &files;
   struct Case {
     const char* name;
     std::string file;
@@ -110,7 +119,7 @@ TEST_F(QncSearch, FirstLineMatchInListOrder) {
 
 TEST_F(QncSearch, NoFileNoModule) {
   std::list<std::string> files = {path("missing.qnc")};
-  RunFiles::CompilationFileList = &files;
+  Module::CompilationFileList = &files;
   EXPECT_EQ(Compilation::createModuleFromQncCode("abc", nullptr, nullptr), nullptr);
 }
 

@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 #include "driver/compilation.h"
-#include "driver/run_files.h"
+#include "model/module.h"
 #include "gui/winquarnc_interface.h"
 
 namespace {
@@ -22,9 +22,9 @@ class Panel : public ::testing::Test {
     Compilation::SaveFlag = false;
     Compilation::CFlag = false;
     Compilation::KeepWiresFlag = false;
-    RunFiles::OutputFile = "";
-    RunFiles::OutputDir = ".";
-    RunFiles::CompilationFileList = nullptr;
+    Module::OutputFile = "";
+    Module::OutputDir = ".";
+    Module::CompilationFileList = nullptr;
   }
   winquarnc_interface panel;
 };
@@ -56,19 +56,19 @@ TEST_F(Panel, ReadingTheFields) {
   EXPECT_TRUE(Compilation::CFlag);
   EXPECT_FALSE(Compilation::KeepWiresFlag);
   EXPECT_EQ(run.mainName, "abro");
-  EXPECT_EQ(RunFiles::OutputFile, "out");
-  EXPECT_EQ(RunFiles::OutputDir, ".") << "an empty field keeps the default";
-  ASSERT_NE(RunFiles::CompilationFileList, nullptr);
+  EXPECT_EQ(Module::OutputFile, "out");
+  EXPECT_EQ(Module::OutputDir, ".") << "an empty field keeps the default";
+  ASSERT_NE(Module::CompilationFileList, nullptr);
   // The field is cut at each blank: the blank that "Load qnc file" puts first gives an
   // empty record.
-  EXPECT_EQ(*RunFiles::CompilationFileList, (std::list<std::string>{"", "a.qnc", "b.qnc"}));
+  EXPECT_EQ(*Module::CompilationFileList, (std::list<std::string>{"", "a.qnc", "b.qnc"}));
 
   panel.output_directory_field->value("gen");
   panel.compiled_files_field->value("");
   readPanel(&panel, run);
-  EXPECT_EQ(RunFiles::OutputDir, "gen");
-  ASSERT_NE(RunFiles::CompilationFileList, nullptr) << "an empty field is an empty list";
-  EXPECT_TRUE(RunFiles::CompilationFileList->empty());
+  EXPECT_EQ(Module::OutputDir, "gen");
+  ASSERT_NE(Module::CompilationFileList, nullptr) << "an empty field is an empty list";
+  EXPECT_TRUE(Module::CompilationFileList->empty());
 }
 
 TEST_F(Panel, NoDisplayNoPanel) {

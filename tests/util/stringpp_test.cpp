@@ -133,3 +133,40 @@ TEST(Stringpp, Levenshtein) {
   EXPECT_EQ(levenshtein("kitten", "sitting"), 3);
   EXPECT_EQ(levenshtein("flaw", "lawn"), 2);
 }
+
+TEST(Stringpp, CarriedConversions) {
+  EXPECT_EQ(hex2toS(0x3c), "3C");
+  EXPECT_EQ(hex4toS(0x1ABCD), "ABCD");  // the low digits only
+  EXPECT_EQ(hex8toS(255), "000000FF");
+  EXPECT_EQ(hex1toS(10), "A");
+  EXPECT_EQ(bin8toS(5), "00000101");
+  EXPECT_EQ(Stouhex("ff"), 255u);
+  EXPECT_EQ(Stouhex("1A"), 26u);
+  EXPECT_EQ(dtoS(2.5), "2.5");
+  EXPECT_EQ(ctoS('x'), "x");
+  EXPECT_DOUBLE_EQ(Stod("-1.25"), -1.25);
+  EXPECT_TRUE(checkdouble("1.5e3"));
+  EXPECT_FALSE(checkdouble("1.5x"));
+  EXPECT_FALSE(checkdouble(""));
+  EXPECT_TRUE(checkhex("0aF"));
+  EXPECT_FALSE(checkhex("0g"));
+  EXPECT_TRUE(checkbin("0101"));
+  EXPECT_FALSE(checkbin("012"));
+  EXPECT_TRUE(beginbynumber("1a"));
+  EXPECT_FALSE(beginbynumber("a1"));
+}
+
+TEST(Stringpp, TokensAndFileNames) {
+  EXPECT_TRUE(contains_token("a + b_1", "b_1"));
+  EXPECT_FALSE(contains_token("a + b_12", "b_1"));
+  EXPECT_FALSE(contains_token("xa", "a"));
+  EXPECT_EQ(substitute_token("a+aa+a", "a", "x"), "x+aa+x");
+  EXPECT_EQ(substitute_token("aa", "a", "x"), "aa");
+  EXPECT_EQ(extract_filename_name("dir/sub/m.qn"), "m.qn");
+  EXPECT_EQ(extract_filename_name("m.qn"), "m.qn");
+  EXPECT_EQ(extract_filename_path("dir/sub/m.qn"), "dir/sub");
+  EXPECT_EQ(extract_filename_path("m.qn"), "");
+  EXPECT_EQ(supress_filename_extension("dir/m.qnc"), "dir/m");
+  EXPECT_EQ(supress_filename_extension("d.ir/m"), "d.ir/m");
+  EXPECT_FALSE(my_current_directory().empty());
+}
