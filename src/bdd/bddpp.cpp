@@ -150,16 +150,19 @@ void bddpp_manager::Unique_insert(bdd_node* n) {
 }
 
 void bddpp_manager::Unique_rebuild(size_t capacity) {
+  // Moves the entries of the table, leaving out the nodes that `Bdd_gc` freed.
   size_t cap = 1u << 12;
   while (cap < capacity || cap < size_t(live_nodes_) * 2 + 2) cap *= 2;
-  unique_.assign(cap, unique_slot{0, 0, 0, kEmpty});
+  std::vector<unique_slot> old(cap, unique_slot{0, 0, 0, kEmpty});
+  old.swap(unique_);
   unique_mask_ = uint32_t(cap - 1);
-  long count = live_nodes_;
   live_nodes_ = 0;
-  if (count == 0) return;
-  for (uint32_t s = 1; s < pool_top_; ++s) {
-    bdd_node* n = Node_at(s);
-    if (n->var_id >= 0) Unique_insert(n);
+  for (const unique_slot& s : old) {
+    if (s.node == kEmpty || Node_at(s.node)->var_id < 0) continue;
+    uint32_t i = Unique_hash(s.var, s.then_slot, s.else_key);
+    while (unique_[i].node != kEmpty) i = (i + 1) & unique_mask_;
+    unique_[i] = s;
+    ++live_nodes_;
   }
 }
 
@@ -789,7 +792,7 @@ void bddpp_manager::Bdd_gc() {
       if (candidate(t)) stack.push_back(t);
     }
   }
-  if (freed) Unique_rebuild(unique_.size());
+  if (freed) Unique_rebuild(0);
   Cache_clear();
   ++gc_calls;
 }

@@ -301,9 +301,9 @@ void EquationTable::unify(EquationTable* other, Module* m) {
       continue;
     }
     long partner = here->Index_var_by_name(eq->my_bddname());
-    Bddexpression* mine = partner >= 0 && partner < wood->Nb_bdd_vars() ? wood->exp_by_index(partner)
-                                                                       : nullptr;
-    if (mine == nullptr) {
+    Bddexpression* mine =
+        partner >= 0 && partner < wood->Nb_bdd_vars() ? wood->exp_by_index(partner) : nullptr;
+    if (mine == nullptr || mine->getAbstraction() != 0) {
       add(eq, m);
       continue;
     }
@@ -315,6 +315,16 @@ void EquationTable::unify(EquationTable* other, Module* m) {
         s->extendCurrentOccurrenceTable(wood, theirs);
     }
   }
+  // The branch wood is gone: no signal may keep an occurrence for its address.
+  for (std::list<Signal*>* l : {m->getInputSignalList(), m->getOutputSignalList(),
+                                m->getDataSignalList(), m->getLocalSignalList()})
+    if (l != nullptr)
+      for (Signal* s : *l)
+        if (s->getOccurrenceTable() != nullptr) s->getOccurrenceTable()->erase(ow);
+  if (std::list<memorizedSignal*>* pres = m->getPreSignalList())
+    for (memorizedSignal* p : *pres)
+      if (p->getPre() != nullptr && p->getPre()->getOccurrenceTable() != nullptr)
+        p->getPre()->getOccurrenceTable()->erase(ow);
   sm->deleteWood(ow);
   other->wood = nullptr;
 }

@@ -6,14 +6,8 @@
 
 #include "driver/compilation.h"
 #include "equations/equationtable.h"
-// TODO(equations): drop the guards once the wood and the BDD manager are on main.
-#if __has_include("equations/Bddexpression.h") && __has_include("bdd/bddpp.h")
-#define QUARN_HAVE_WOOD 1
 #include "bdd/bddpp.h"
 #include "equations/Bddexpression.h"
-#else
-#define QUARN_HAVE_WOOD 0
-#endif
 #include "model/statement.h"
 #include "signals/signal_manager.h"
 
@@ -162,11 +156,7 @@ Module::Module(const std::string& n)
       dataSignalList(new std::list<Signal*>),
       runDeclTable(nullptr),
       registerList(new std::list<regclass*>),
-#if QUARN_HAVE_WOOD
       compilation(new EquationTable(n, new Bddexpressionwood())),
-#else
-      compilation(new EquationTable(n, nullptr)),
-#endif
       set(nullptr),
       reset(nullptr),
       rtl(nullptr),
@@ -177,10 +167,8 @@ Module::Module(const std::string& n)
       dataTable(nullptr) {}
 
 Module::~Module() {
-#if QUARN_HAVE_WOOD
   Bddexpressionwood* wood = getBddWood();
   if (wood) delete wood;
-#endif
 }
 
 std::string Module::generateName(const std::string& prefix, int& counter) {
@@ -286,8 +274,8 @@ void Module::addPreSignal(Signal* pre, Signal* actual, const std::string& initia
 void Module::addRegisterDecl(const std::string& actualName, int initial,
                              const std::string& nextName) {
   Bddexpressionwood* wood = getBddWood();
-  Signal* actual = new Signal(actualName, this, wood, true);
-  Signal* next = new Signal(nextName, this, wood, true);
+  Signal* actual = new Signal(actualName, actualName, this, wood, true);
+  Signal* next = new Signal(nextName, nextName, this, wood, true);
   actual->setLocal();
   next->setLocal();
   addLocalSignal(actual);
@@ -317,10 +305,8 @@ std::string* Module::getModuleLocation(const std::string& moduleName) {
 }
 
 void Module::loose_first_underscore_in_name_variables() {
-#if QUARN_HAVE_WOOD
   Bddexpressionwood* wood = getBddWood();
   if (wood && wood->my_bdd_manager()) wood->my_bdd_manager()->No_begin_underscore_name();
-#endif
 }
 
 // ---------------------------------------------------------------------------------------

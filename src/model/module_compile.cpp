@@ -1,7 +1,5 @@
 // A module from statement tree to dated equations; the copy made for the generators;
 // the wire and local cleaning that finalization calls.
-// TODO(equations): drop the guard once the wood and the BDD manager are on main.
-#if __has_include("equations/Bddexpression.h") && __has_include("bdd/bddpp.h")
 #include <iostream>
 
 #include "bdd/bddpp.h"
@@ -216,4 +214,3 @@ Module::Module(Module& m)
 
   oldWood->set_common_bdd_manager(common);
 }
-#endif
