@@ -72,7 +72,12 @@ void Module::sortCode() {
   statement->callPert(compilation, ids);
 }
 
-long Module::getPertLevel() { return statement ? statement->getPertLevel() : 0; }
+// A module read from a file or copied has no statement: its wood knows the dates.
+long Module::getPertLevel() {
+  if (statement) return statement->getPertLevel();
+  Bddexpressionwood* wood = getBddWood();
+  return wood ? wood->Nb_level() : 0;
+}
 
 namespace {
 
