@@ -1,6 +1,8 @@
 // The .qnc writer: one compiled module as text. Variables are written as file numbers
 // given in the order of the sections; the reader creates its variables in the same order,
 // so a file number is a variable id of the reading manager.
+#include <algorithm>
+#include <climits>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -240,7 +242,13 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
   wood->Put_qnc(out, numbers.data(), Compilation::DebugFlag);
   out << "end:" << std::endl << std::endl;
 
-  if (dataTable) printBinding(out, numbers.data());
+  if (dataTable) {
+    // Evaluation numbers of constants belong to one file: a number left by an earlier
+    // writing would point into another table.
+    if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
+      for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) c->setEvalIndex(-1);
+    printBinding(out, numbers.data());
+  }
 
   if (Compilation::GDataTypeTable || Compilation::GDataMethodTable ||
       Compilation::GDataConstantTable) {
@@ -252,8 +260,17 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
     if (Compilation::GDataMethodTable) Compilation::GDataMethodTable->print(out, false);
     if (Compilation::GDataConstantTable) {
       out << "constant:" << std::endl;
+      // "$k" in the evaluation table is a constant index, and the reader numbers the
+      // constants by their place in this section: numbered constants first, by index.
+      std::vector<ConstantDecl*> ordered;
       if (std::list<ConstantDecl*>* list = Compilation::GDataConstantTable->getConstantList())
-        for (ConstantDecl* c : *list) putConstant(out, c);
+        ordered.assign(list->begin(), list->end());
+      std::stable_sort(ordered.begin(), ordered.end(), [](ConstantDecl* a, ConstantDecl* b) {
+        long ka = a->getConstantIndex() < 0 ? LONG_MAX : a->getConstantIndex();
+        long kb = b->getConstantIndex() < 0 ? LONG_MAX : b->getConstantIndex();
+        return ka < kb;
+      });
+      for (ConstantDecl* c : ordered) putConstant(out, c);
     }
     out << "end:" << std::endl << std::endl;
   }
