@@ -486,6 +486,8 @@ class bddpp_manager {
   edge And_rec(edge x, edge y);
   edge Or(edge x, edge y) { return And_rec(x ^ 1, y ^ 1) ^ 1; }
   edge Ite(edge f, edge g, edge h);
+  edge Ite_var(long var_id, edge t, edge e);
+  edge Ite_on_var(long var_id, edge t, edge e);
   edge Cube_reduce_rec(bdd_node* n, const int* literals, uint32_t op);
   edge Compose_rec(edge f, long var_index, edge g, uint32_t tag);
   edge Replace_rec(edge f, const long* map, uint32_t tag);
