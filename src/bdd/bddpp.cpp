@@ -38,8 +38,8 @@ namespace bdd_detail {
 
 constexpr size_t kHugePage = size_t(1) << 21;
 
-void* Allocate_table(size_t bytes) {
-  if (bytes < kHugePage) {
+void* Allocate_table(size_t bytes, bool block) {
+  if (bytes < kHugePage && !block) {
     void* p = ::operator new(bytes, std::align_val_t(64));
     std::memset(p, 0, bytes);
     return p;
@@ -57,15 +57,18 @@ void* Allocate_table(size_t bytes) {
   uintptr_t end = start + rounded + kHugePage;
   if (end > aligned + rounded) munmap(reinterpret_cast<void*>(aligned + rounded), end - (aligned + rounded));
   void* p = reinterpret_cast<void*>(aligned);
-#ifdef MADV_HUGEPAGE
-  (void)p;
+  // Map the pages now, each by a write: a table read before it is written
+  // would fault twice per page.
+#ifdef MADV_POPULATE_WRITE
+  if (madvise(p, (bytes + 4095) & ~size_t(4095), MADV_POPULATE_WRITE) == 0) return p;
 #endif
+  for (size_t offset = 0; offset < bytes; offset += 4096) static_cast<volatile char*>(p)[offset] = 0;
   return p;
 }
 
-void Free_table(void* p, size_t bytes) {
+void Free_table(void* p, size_t bytes, bool block) {
   if (p == nullptr) return;
-  if (bytes < kHugePage)
+  if (bytes < kHugePage && !block)
     ::operator delete(p, std::align_val_t(64));
   else
     munmap(p, (bytes + kHugePage - 1) & ~(kHugePage - 1));
@@ -126,7 +129,7 @@ bddpp_manager::bddpp_manager(bddpp_manager* other) : bddpp_manager() {
 
 bddpp_manager::~bddpp_manager() {
   assoc_table.clear();
-  for (bdd_node* c : chunks_) bdd_detail::Free_table(reinterpret_cast<char*>(c) - 64, kBlockBytes);
+  for (bdd_node* c : chunks_) bdd_detail::Free_table(reinterpret_cast<char*>(c) - 64, kBlockUsed, true);
 }
 
 // ---------------------------------------------------------------------------
@@ -150,7 +153,7 @@ bdd_node* bddpp_manager::Allocate_node() {
   }
   if ((pool_top_ >> kChunkBits) >= chunks_.size()) {
     // A block of 2 MB on its own alignment: its head names the manager.
-    char* block = static_cast<char*>(bdd_detail::Allocate_table(kBlockBytes));
+    char* block = static_cast<char*>(bdd_detail::Allocate_table(kBlockUsed, true));
     *reinterpret_cast<bddpp_manager**>(block) = this;
     chunks_.push_back(reinterpret_cast<bdd_node*>(block + 64));
     Cache_maybe_grow();

@@ -30,8 +30,9 @@ class bdd_node;
 namespace bdd_detail {
 // Zeroed storage for the big tables: large blocks ask the system for huge
 // pages, since every lookup in them is a random access.
-void* Allocate_table(size_t bytes);
-void Free_table(void* p, size_t bytes);
+// A block is aligned on its own 2 MB whatever its size.
+void* Allocate_table(size_t bytes, bool block = false);
+void Free_table(void* p, size_t bytes, bool block = false);
 
 // A fixed-size array of plain records (resized only by `assign`).
 template <class T>
@@ -508,7 +509,8 @@ class bddpp_manager {
   static constexpr int kChunkBits = 15;  // 1.5 MB of nodes behind a block head, in 2 MB
   static constexpr uint32_t kChunkMask = (1u << kChunkBits) - 1;
   static constexpr size_t kBlockBytes = size_t(1) << 21;
-  static_assert(64 + (sizeof(bdd_node) << kChunkBits) <= kBlockBytes, "a block holds its nodes");
+  static constexpr size_t kBlockUsed = 64 + (sizeof(bdd_node) << kChunkBits);
+  static_assert(kBlockUsed <= kBlockBytes, "a block holds its nodes");
   std::vector<bdd_node*> chunks_;
   uint32_t pool_top_ = 0;                 // slots ever handed out
   bdd_node* free_list_ = nullptr;         // through then_node
