@@ -6,12 +6,15 @@
 // variable (fixed for life); the order goes through `index_of_id`, so a
 // variable can be inserted anywhere without touching a node.
 //
-// Storage: nodes live in a pool of fixed-size chunks addressed by a 32-bit
-// slot (pointers stay valid until `Bdd_gc`). The unique table is an open hash
-// on (variable, then slot, else slot, else sign); it never depends on the
-// 64-bit `signature`, whose fields are only a display form. Recursive
-// operations are memoised through a direct-mapped operation cache that
-// `Bdd_gc` clears. Nodes are only reclaimed by `Bdd_gc`.
+// Storage: nodes live in 2 MB blocks of 32768 nodes, addressed by a 32-bit
+// slot; a node never moves. The unique table is an open hash on (variable,
+// then slot, else slot, else sign): it never depends on the 64-bit
+// `signature`, whose fields are only a display form, so a manager past 2^20
+// nodes stays correct. Recursive operations are memoised through a
+// direct-mapped operation cache that `Bdd_gc` clears. A remembered result is
+// a node that the plain recursion would only have found again, so memoising
+// never changes which nodes are made nor their global ids. Nodes are only
+// reclaimed by `Bdd_gc`.
 #pragma once
 
 #include <cstdint>
