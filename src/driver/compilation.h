@@ -45,7 +45,7 @@ class StatementWireException : public std::exception {
 class Compilation {
  public:
   // Variable kinds (usertype of an equation): odd is status, even is value.
-  static const int STAT = 1, VAL = 2, SINPUT = 3, VINPUT = 4, SOUTPUT = 5, VOUTPUT = 6, SREG = 7,
+  static constexpr int STAT = 1, VAL = 2, SINPUT = 3, VINPUT = 4, SOUTPUT = 5, VOUTPUT = 6, SREG = 7,
                    VREG = 8, SWIRE = 9, VWIRE = 10, SCLOCK = 11, VCLOCK = 12, SUSEDPRE = 13,
                    VUSEDPRE = 14;
   static bool isStatusType(int k) { return (k & 1) != 0; }

@@ -2,6 +2,7 @@
    and entered into Compilation::ModTable; the first error ends the run. */
 
 %define api.prefix {qn}
+%define parse.trace
 
 %code requires {
 #include <list>

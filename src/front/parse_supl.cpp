@@ -11,8 +11,6 @@
 #include "front/qn_lexer.h"
 #include "parse_qn.tab.h"
 
-int qnparse();
-
 int qnlex() { return Compilation::pqn_parser->getLexer()->yylex(); }
 
 int qn_current_line() {

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <iostream>
 
-#include "driver/compilation.h"
-#include "equations/equationtable.h"
 #include "bdd/bddpp.h"
+#include "driver/compilation.h"
 #include "equations/Bddexpression.h"
+#include "equations/equationtable.h"
 #include "model/statement.h"
 #include "signals/signal_manager.h"
 

@@ -72,33 +72,11 @@ void Module::sortCode() {
   statement->callPert(compilation, ids);
 }
 
-long Module::getPertLevel() { return statement ? statement->getPertLevel() : 0; }
-
-void Module::clean() {
+// A module read from a file or copied has no statement: its wood knows the dates.
+long Module::getPertLevel() {
+  if (statement) return statement->getPertLevel();
   Bddexpressionwood* wood = getBddWood();
-  if (!wood || Compilation::KeepWiresFlag) return;
-  std::list<int> keep = {Compilation::SINPUT, Compilation::VINPUT,   Compilation::SOUTPUT,
-                         Compilation::VOUTPUT, Compilation::SREG,    Compilation::VREG,
-                         Compilation::SCLOCK,  Compilation::VCLOCK,  Compilation::SUSEDPRE,
-                         Compilation::VUSEDPRE};
-  wood->suppress_wires(keep);
-  suppress_useless_registers();
-  clean_locals();
-}
-
-void Module::clean_locals() {
-  Bddexpressionwood* wood = getBddWood();
-  if (!localList || !wood) return;
-  auto* kept = new std::list<Signal*>;
-  for (Signal* s : *localList) {
-    if (s->isRegister() || s->isValued(this) || s->isClock()) {
-      kept->push_back(s);
-      continue;
-    }
-    wood->suppress_local(s->getOverBddId(this, wood));
-    wood->suppress_local(s->getUnderBddId(this, wood));
-  }
-  localList = kept;
+  return wood ? wood->Nb_level() : 0;
 }
 
 namespace {

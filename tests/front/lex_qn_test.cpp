@@ -1,6 +1,7 @@
 // Token streams of the Quarn scanner.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -164,6 +165,24 @@ TEST(Scanner, LineCount) {
   std::vector<int> lines;
   while (lexer.yylex() != 0) lines.push_back(lexer.lineno());
   EXPECT_EQ(lines, (std::vector<int>{1, 6, 6, 8}));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(Scanner, LongTokensScanInLinearTime) {
+  // The input is read in blocks: a token that spans many of them is not rescanned
+  // once per byte.
+  std::string name(300000, 'a');
+  auto start = std::chrono::steady_clock::now();
+  std::vector<Tok> toks = scan("module " + name + " \"" + name + "\"");
+  double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  ASSERT_EQ(toks.size(), 3u);
+  EXPECT_EQ(toks[1].text.size(), name.size());
+  EXPECT_EQ(toks[2].text.size(), name.size());
+  EXPECT_LT(seconds, 5.0);
 }
 
 }  // namespace
