@@ -20,9 +20,22 @@ namespace {
 
 const bool kBatch = (setenv("QUARN_BATCH", "1", 1), true);
 
-std::string scratch(const std::string& name) {
-  return std::string(QUARN_BINARY_DIR) + "/qnc_data_" + std::to_string(getpid()) + "_" + name;
-}
+// One scratch directory per test process (children write into their parent's), removed
+// at the end.
+const std::string kScratch = [] {
+  std::string dir = std::string(QUARN_BINARY_DIR) + "/qnc_data_" + std::to_string(getpid());
+  std::system(("mkdir -p " + dir).c_str());
+  static struct Cleanup {
+    std::string dir;
+    pid_t owner = getpid();
+    ~Cleanup() {
+      if (getpid() == owner) std::system(("rm -rf " + dir).c_str());
+    }
+  } cleanup{dir};
+  return dir;
+}();
+
+std::string scratch(const std::string& name) { return kScratch + "/" + name; }
 
 std::string toFile(const std::string& name, const std::string& text) {
   std::string path = scratch(name);

@@ -2,6 +2,7 @@
 // the equations keep their functions, and damaged files end with the reader's report.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -18,9 +19,22 @@ namespace {
 
 const bool kBatch = (setenv("QUARN_BATCH", "1", 1), true);
 
-std::string scratch(const std::string& name) {
-  return std::string(QUARN_BINARY_DIR) + "/qnc_test_" + std::to_string(getpid()) + "_" + name;
-}
+// One scratch directory per test process (children write into their parent's), removed
+// at the end.
+const std::string kScratch = [] {
+  std::string dir = std::string(QUARN_BINARY_DIR) + "/qnc_test_" + std::to_string(getpid());
+  std::system(("mkdir -p " + dir).c_str());
+  static struct Cleanup {
+    std::string dir;
+    pid_t owner = getpid();
+    ~Cleanup() {
+      if (getpid() == owner) std::system(("rm -rf " + dir).c_str());
+    }
+  } cleanup{dir};
+  return dir;
+}();
+
+std::string scratch(const std::string& name) { return kScratch + "/" + name; }
 
 Signal* declare(Module& m, const std::string& name, const char* kind, const std::string& type = "") {
   Signal* s = new Signal(name, &m, m.getBddWood());
@@ -154,6 +168,72 @@ TEST(QncRoundTrip, WriteReadWriteIsAFixpoint) {
     EXPECT_EQ(r1->getRegisterList()->front()->is_initialy_true(), 1);
     EXPECT_TRUE(r1->getRegisterList()->front()->next_var()->isRegister());
   }
+}
+
+}  // namespace
+
+namespace {
+
+std::string slurp(const std::string& path) {
+  std::ifstream in(path);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+TEST(QncSave, OutputNameRules) {
+  std::string dir = scratch("dir");
+  ASSERT_EQ(std::system(("mkdir -p " + dir).c_str()), 0);
+  Module::OutputDir = dir;
+  struct Case {
+    const char* outputFile;
+    const char* file;
+  } cases[] = {{"", "S.qnc"}, {"out", "out.qnc"}, {"a.qnc.old", "a.qnc.old"}, {"b.qnc", "b.qnc"}};
+  Module* m = sampleModule("S");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.outputFile);
+    Module::OutputFile = c.outputFile;
+    m->save();
+    std::string text = slurp(dir + "/" + c.file);
+    EXPECT_EQ(text.rfind("module: S  1 0\n", 0), 0u) << text;
+  }
+  // An existing file is written again, with a warning.
+  Module::OutputFile = "";
+  testing::internal::CaptureStderr();
+  m->save();
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("File: " + dir + "/S.qnc already exists. File rewrited."),
+            std::string::npos);
+
+  Module::OutputDir = dir + "/missing";
+  EXPECT_EXIT(m->save(), testing::ExitedWithCode(1), "Cannot open output file: ");
+  Module::OutputDir = dir;
+  Module uncompiled("U");
+  EXPECT_EXIT(uncompiled.save(), testing::ExitedWithCode(1), "module U is not compiled");
+  Module::OutputDir = ".";
+  std::system(("rm -rf " + dir).c_str());
+}
+
+TEST(QncSave, DebugCommentsAreSkippedByTheReader) {
+  Module* m = sampleModule("G");
+  Compilation::DebugFlag = true;
+  std::string commented = written(*m);
+  Compilation::DebugFlag = false;
+  EXPECT_NE(commented.find("// expression "), std::string::npos);
+  Module* r = readBack("debug", commented);
+  ASSERT_NE(r, nullptr) << commented;
+  std::string plain = written(*r);
+  EXPECT_EQ(plain.find("//"), std::string::npos);
+  expectSameEquations(*m, *r);
+}
+
+TEST(QncSave, SectionsOfAModuleWithoutInterface) {
+  Module m("E");
+  m.createCompileEnv();
+  std::string text = written(m);
+  // The run's data tables, if other tests made some, follow.
+  EXPECT_EQ(text.substr(0, text.find("data:")),
+            "module: E  0 0\nconnexion: SETE RESETE RTLE;\n\nequation_def:\n0\nexpressions:\nend:\n\n");
+  Module* r = readBack("empty", text);
+  ASSERT_NE(r, nullptr);
+  EXPECT_EQ(written(*r), text);
 }
 
 }  // namespace
