@@ -5,6 +5,7 @@
 #include <climits>
 #include <fstream>
 #include <iostream>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -90,6 +91,78 @@ void putConstant(std::ostream& out, ConstantDecl* c) {
     }
   }
   out << ";" << std::endl;
+}
+
+}  // namespace
+
+namespace {
+
+void addSignalPairs(std::set<long>& set, Signal* s, Module* m, Bddexpressionwood* wood) {
+  if (!s || !s->getSignalRef(m, wood)) return;
+  if (s->isLocal() || s->isWire() || s->isOutput()) {
+    for (long id : s->getAllBddId(m, wood)) set.insert(id);
+  } else {
+    set.insert(s->getInitialOverBddId(m, wood));
+    set.insert(s->getInitialUnderBddId(m, wood));
+  }
+}
+
+// Pairs (over, under; under -1 when the variable has no record) of the variables that
+// the saved equations and bindings read beyond those of the signal lists, in index order.
+std::list<std::pair<long, long>> unlistedVariables(Module* m, Bddexpressionwood* wood) {
+  std::set<long> listed;
+  for (auto* list : {m->getInputSignalList(), m->getOutputSignalList(), m->getDataSignalList(),
+                     m->getLocalSignalList()})
+    if (list)
+      for (Signal* s : *list) addSignalPairs(listed, s, m, wood);
+  if (m->getPreSignalList())
+    for (memorizedSignal* p : *m->getPreSignalList()) addSignalPairs(listed, p->getPre(), m, wood);
+  for (Signal* s : {m->getSet(), m->getReset(), m->getRtl()}) addSignalPairs(listed, s, m, wood);
+
+  std::set<long> wanted;
+  if (m->getDataTable())
+    for (const auto& [name, b] : *m->getDataTable()) {
+      addSignalPairs(wanted, b->getSignal(), m, wood);
+      addSignalPairs(wanted, b->getClock(), m, wood);
+    }
+  std::set<long> known = listed;
+  std::vector<long> work(listed.begin(), listed.end());
+  work.insert(work.end(), wanted.begin(), wanted.end());
+  known.insert(wanted.begin(), wanted.end());
+  bddpp_manager* manager = wood->my_bdd_manager();
+  while (!work.empty()) {
+    long v = work.back();
+    work.pop_back();
+    Bddexpression* e = wood->exp_by_index(v);
+    if (!e) continue;
+    std::set<long> used = e->getDependances();
+    if (e->my_bdd_exp().initialised()) {
+      std::set<long> support = manager->set_of_index_depend_on(e->my_bdd_exp());
+      used.insert(support.begin(), support.end());
+    }
+    for (long u : used)
+      if (known.insert(u).second) work.push_back(u);
+  }
+  std::list<std::pair<long, long>> pairs;
+  std::set<long> done = listed;
+  for (long v : known) {
+    if (done.count(v)) continue;
+    SignalRef* ref = m->getSignalManager()->getSignalRefById(v, wood);
+    long over = v, under = -1;
+    if (ref) {
+      over = ref->getOverBddId(wood);
+      under = ref->getUnderBddId(wood);
+    }
+    if (done.count(over) || done.count(under)) {
+      // Half of a pair that a list names: the whole record can't be made again.
+      over = v;
+      under = -1;
+    }
+    done.insert(over);
+    done.insert(under);
+    pairs.push_back({over, under});
+  }
+  return pairs;
 }
 
 }  // namespace
@@ -199,6 +272,21 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
           putPair(over, *it);
         }
       }
+    // Variables that the saved equations or bindings read and that no list names (value
+    // signals made for bindings, say) stand here too: otherwise the reader would not
+    // create them, and their numbers would be -1, which reads as the terminal.
+    for (const auto& [over, under] : unlistedVariables(this, wood)) {
+      numbers.number(over);
+      numbers.number(under);
+      any = true;
+      SignalRef* ref = signalManager->getSignalRefById(over, wood);
+      if (forgetLocals || !ref) {
+        locals << "  V" << numbers.data()[over];
+        continue;
+      }
+      locals << " " << ref->getCurrentName();
+      if (ref->isValued()) locals << " : " << ref->getType();
+    }
     if (any) out << "local:" << locals.str() << ";" << std::endl;
   }
 

@@ -237,3 +237,23 @@ TEST(QncSave, SectionsOfAModuleWithoutInterface) {
 }
 
 }  // namespace
+
+namespace {
+
+// A signal that no list names (as the value signals made for bindings) but that an
+// equation reads is saved as a local, so that the equation reads back right.
+TEST(QncSave, VariablesReadButUnlistedBecomeLocals) {
+  Module* m = sampleModule("H");
+  Bddexpressionwood* w = m->getBddWood();
+  Signal* hidden = new Signal("hidden", m, w);
+  hidden->setLocal();
+  bddpp_manager* mg = w->my_bdd_manager();
+  new Bddexpression("_s_O_1", w, var(*m, "_s_O_1"), mg->Bdd_and(var(*m, "_s_hidden"), var(*m, "_s_A")), 1, 0);
+  std::string text = written(*m);
+  EXPECT_NE(text.find(" hidden;"), std::string::npos) << text;
+  Module* r = readBack("hidden", text);
+  ASSERT_NE(r, nullptr) << text;
+  expectSameEquations(*m, *r);
+}
+
+}  // namespace
