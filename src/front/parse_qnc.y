@@ -440,7 +440,18 @@ constant
       }
   ;
 constant_string
-  : TOKEN_CHAINE_CARACTERES { $$ = P()->keep($1->substr(1, $1->size() - 2)); }
+  : TOKEN_CHAINE_CARACTERES
+      {
+        // Between the quotes, \" and \\ stand for a double quote and a backslash; any
+        // other backslash is itself.
+        std::string text;
+        for (size_t i = 1; i + 1 < $1->size(); i++) {
+          char c = (*$1)[i];
+          if (c == '\\' && i + 2 < $1->size() && ((*$1)[i + 1] == '"' || (*$1)[i + 1] == '\\')) c = (*$1)[++i];
+          text += c;
+        }
+        $$ = P()->keep(text);
+      }
   ;
 constant_assign_list
   : %empty { $$ = new std::map<int, const std::string*>(); }

@@ -58,13 +58,16 @@ const char* languageLabel(int language) {
   return nullptr;
 }
 
-// The reader's string token takes printable ASCII without '"', '@', '[', ']', '^', '|'
-// and at least one character; anything else can't be written as a value.
-bool readableString(const std::string& s) {
-  if (s.empty()) return false;
-  for (unsigned char c : s)
-    if (c < 32 || c > 126 || c == '"' || c == '@' || c == '[' || c == ']' || c == '^' || c == '|')
-      return false;
+// A value between double quotes: a double quote and a backslash are escaped by a
+// backslash. A line end can't stand in the file.
+bool quoted(const std::string& s, std::string& out) {
+  out = "\"";
+  for (char c : s) {
+    if (c == '\n' || c == '\r') return false;
+    if (c == '"' || c == '\\') out += '\\';
+    out += c;
+  }
+  out += '"';
   return true;
 }
 
@@ -84,10 +87,10 @@ void putConstant(std::ostream& out, ConstantDecl* c) {
       out << label;
       if (!literal) continue;
       const std::string& text = static_cast<DataValue*>(value)->getText();
-      if (!readableString(text))
-        Compilation::fatal("constant " + c->getName() + ": value \"" + text +
-                           "\" can't be saved in a compiled module");
-      out << " \"" << text << "\"";
+      std::string field;
+      if (!quoted(text, field))
+        Compilation::fatal("constant " + c->getName() + ": a value on several lines can't be saved in a compiled module");
+      out << " " << field;
     }
   }
   out << ";" << std::endl;

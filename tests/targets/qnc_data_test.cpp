@@ -257,3 +257,42 @@ TEST(QncReader, AwaitedSignalsAndInstances) {
 }
 
 }  // namespace
+
+namespace {
+
+// Values that the plain string pattern would refuse are escaped and read back as they were.
+TEST(QncData, ConstantValuesOfAnyTextReadBack) {
+  const std::vector<std::string> texts = {"x\"0F\"", "", "a|b@[c]^", "back\\slash", "end\\", "tab\there"};
+  std::string err;
+  int status = isolated(
+      [&] {
+        ensureTables();
+        int n = 0;
+        for (const std::string& t : texts) {
+          std::string name = "odd" + std::to_string(n++);
+          auto* values = new std::map<int, DataExpr*>{{TLanguage::DEFAULT, new DataValue(t)},
+                                                       {TLanguage::C, new DataValue(t)}};
+          Compilation::GDataConstantTable->addConstant(new ConstantDecl("int", name, values));
+        }
+        Module* m = dataModule();
+        std::string text = written(*m);
+        Compilation::GDataConstantTable = nullptr;
+        Module* r = readBack("odd", text);
+        if (!r) std::exit(2);
+        for (size_t i = 0; i < texts.size(); i++) {
+          ConstantDecl* c = Compilation::GDataConstantTable->getConstant("odd" + std::to_string(i));
+          if (!c || !c->getValueTable()) std::exit(3);
+          for (const auto& [language, value] : *c->getValueTable()) {
+            auto* v = static_cast<DataValue*>(value);
+            if (v->getText() != texts[i]) {
+              std::cerr << "read [" << v->getText() << "] for [" << texts[i] << "]\n" << text;
+              std::exit(4);
+            }
+          }
+        }
+      },
+      err);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status << "\n" << err;
+}
+
+}  // namespace
