@@ -36,7 +36,3 @@ void Halt::createEquations(Module*, EquationTable*) {}
 void Halt::compile(Module*, EquationTable*) {}
 void Run::createEquations(Module*, EquationTable*) {}
 void Run::compile(Module*, EquationTable*) {}
-void Automaton::createEquations(Module*, EquationTable*) {}
-void Automaton::compile(Module*, EquationTable*) {}
-void MealyMachine::createEquations(Module*, EquationTable*) {}
-void MealyMachine::compile(Module*, EquationTable*) {}
