@@ -64,9 +64,9 @@ inline std::vector<EquationView> equationsOf(Module* m, const std::vector<std::s
   return out;
 }
 
-// Three-valued evaluation of the equations of a compiled module, one instant at a
-// time: inputs two-valued, registers from the previous instant, then every equation
-// whose right member is known, until nothing changes. 2 is unknown.
+// Evaluation of the equations of a compiled module, one instant at a time: inputs
+// two-valued, registers from the previous instant, then the equations in the order of
+// their dates (earliest_sort). A value still unknown (2) there is a dating fault.
 class Runner {
  public:
   explicit Runner(Module* m) : m(m), wood(m->getBddWood()), M(wood->my_bdd_manager()) {
@@ -84,18 +84,12 @@ class Runner {
     put(m->getSet(), set);
     put(m->getReset(), reset);
     for (auto& [r, v] : state) put(r->actual_var(), v);
-    for (bool changed = true; changed;) {
-      changed = false;
-      for (long id : wood->getExpIds()) {
-        if (lit[id] != 2) continue;
-        Bddexpression* e = wood->exp_by_index(id);
-        if (!e) continue;
-        int v = M->Bdd_eval_for_literal(e->my_bdd_exp(), lit.data());
-        if (v != 2) {
-          lit[id] = v;
-          changed = true;
-        }
-      }
+    // In dating order: every variable an equation reads is known by then.
+    for (long id : wood->earliest_sort()) {
+      Bddexpression* e = wood->exp_by_index(id);
+      if (!e) continue;
+      lit[id] = M->Bdd_eval_for_literal(e->my_bdd_exp(), lit.data());
+      EXPECT_NE(lit[id], 2) << e->getName() << " read an undated variable";
     }
     for (auto& [r, v] : state) {
       int next = lit[r->next_var()->getOverBddId(m, wood)];
