@@ -53,8 +53,8 @@ Module* readBack(const std::string& name, const std::string& text) {
   return Compilation::qnc_parse(toFile(name, text), Compilation::EmptyString, nullptr, nullptr);
 }
 
+// Fresh run tables with one type, one method and two constants.
 void ensureTables() {
-  if (Compilation::GDataTypeTable) return;
   Compilation::GDataTypeTable = new DataTypeTable();
   Compilation::GDataTypeTable->addType("int");
   Compilation::GDataMethodTable = new DataMethodTable();
@@ -87,7 +87,6 @@ Signal* declare(Module& m, const std::string& name, bool input, const std::strin
 // Inputs A, B : int; a local V bound with clock A to plus(zero, ?B), a local W bound to
 // ?B + zero.
 Module* dataModule() {
-  ensureTables();
   Module* m = new Module("D");
   Signal* a = declare(*m, "A", true);
   Signal* b = declare(*m, "B", true, "int");
@@ -103,6 +102,7 @@ Module* dataModule() {
 }
 
 TEST(QncData, BindingsAndTablesReadBack) {
+  ensureTables();
   Module* m = dataModule();
   std::string first = written(*m);
   for (const char* part : {"binding:", "evaltable:", "clock: (", "%%", "data:", "type:\nint;",
@@ -157,6 +157,7 @@ void expectCleanEnd(int status, const std::string& err, const std::string& what)
 }
 
 TEST(QncDamaged, TruncatedFilesAreRefused) {
+  ensureTables();
   Module* m = dataModule();
   std::string text = written(*m);
   size_t woodEnd = text.find("end:");
@@ -175,6 +176,7 @@ TEST(QncDamaged, TruncatedFilesAreRefused) {
 }
 
 TEST(QncDamaged, FlippedBytesNeverCrash) {
+  ensureTables();
   Module* m = dataModule();
   std::string text = written(*m);
   std::mt19937 random(2026);
