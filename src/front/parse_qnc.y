@@ -87,6 +87,9 @@ void checkAwaited(std::list<Signal*>& signals, std::list<std::string>* awaited, 
 %type <strs> argument_list
 %type <assigns> constant_assign_list
 
+%destructor { delete $$; } <nums> <strs> <couple> <assigns>
+%destructor { if ($$) delete $$->arguments; delete $$; } <eval>
+
 %start module_compile
 
 %%

@@ -297,14 +297,22 @@ Module* Compilation::qnc_parse(const std::string& file, std::string* instance, s
   std::ostream nowhere(nullptr);
   std::ostream& log = logFile.is_open() ? static_cast<std::ostream&>(logFile) : nowhere;
   qncFlexLexer scanner(&in, &log);
-  class_qnc_parser parser(&scanner, &log);
+  // The parser's records (signals, nodes, a module left half made by an error) live for
+  // the run, as everything the parsers build.
+  static std::list<class_qnc_parser*> parsers;
+  class_qnc_parser* parser = new class_qnc_parser(&scanner, &log);
+  parsers.push_back(parser);
   std::list<std::string> noNames;
-  parser.inputNames = inputNames ? inputNames : &noNames;
-  parser.outputNames = outputNames ? outputNames : &noNames;
-  int result = parser.parse(log, 1, instance ? *instance : "", second ? *second : "");
+  parser->inputNames = inputNames ? inputNames : &noNames;
+  parser->outputNames = outputNames ? outputNames : &noNames;
+  int result = parser->parse(log, 1, instance ? *instance : "", second ? *second : "");
+  parser->inputNames = parser->outputNames = nullptr;
+  parser->scanner = nullptr;
+  parser->log = nullptr;
+  pqnc_parser = nullptr;
   if (result != 0) {
     std::cerr << "ERROR during loading file : " << file << std::endl;
     return nullptr;
   }
-  return parser.module;
+  return parser->module;
 }
