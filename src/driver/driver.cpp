@@ -220,7 +220,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   for (auto& [moduleName, module] : *Compilation::ModTable->getTable())
     module->complementary_check_syntax();
   mainModule->complementary_check_syntax();
-  // TODO(equations): mainModule->compile(); links once the wood reductions are on main.
+  // TODO(model): mainModule->compile(); once every statement creates its wires (it links).
   if (Compilation::CheckOverKnowledgeFlag) {
     // TODO(model): mainModule->check_over_knowledge();
   }

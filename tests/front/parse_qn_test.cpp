@@ -429,8 +429,8 @@ TEST(Grammar, Automaton) {
                     "s0 2 [i and j] / b strong-> s1 geometry: <7, 8>;\n"
                     "s0 / a -> s2;\n"
                     "s1 other [] weak-> s0;\n"
-                    "s2 [value: C__1 == C__1] normalterm-> s0;\n"
-                    "s2 other [value: C__1] s3;\n"
+                    "s2 [value: $v == 1] normalterm-> s0;\n"
+                    "s2 other [value: $v] s3;\n"
                     "end");
   ASSERT_NE(m, nullptr);
   auto* aut = dynamic_cast<Automaton*>(m->getStatement());
