@@ -71,7 +71,9 @@ TEST(CEquation, LeftAndRightSides) {
   };
   for (Case& c : cases) {
     SCOPED_TRACE(c.text);
-    Bddexpression e("e", w, c.variable, c.right, 0, 0);
+    Bddexpression e;  // not entered in the wood
+    e.setBddVar(w->my_bdd_manager(), c.variable);
+    e.setBddExp(w->my_bdd_manager(), c.right);
     std::ostringstream out;
     w->my_bdd_manager()->Bdd_global_clear_marks();
     e.put_c(out, "m_node", c.pointers);
