@@ -4,7 +4,3 @@
 
 void Run::createEquations(Module*, EquationTable*) {}
 void Run::compile(Module*, EquationTable*) {}
-void Automaton::createEquations(Module*, EquationTable*) {}
-void Automaton::compile(Module*, EquationTable*) {}
-void MealyMachine::createEquations(Module*, EquationTable*) {}
-void MealyMachine::compile(Module*, EquationTable*) {}
