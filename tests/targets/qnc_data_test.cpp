@@ -302,3 +302,43 @@ TEST(QncData, ConstantValuesOfAnyTextReadBack) {
 }
 
 }  // namespace
+
+namespace {
+
+// A node table far beyond 32767 entries, over as many variables, reads back.
+TEST(QncReader, LargeFilesRead) {
+  const long n = 35000;
+  std::ostringstream text;
+  text << "module: big  0 0\ninput:";
+  for (long i = 0; i < n; i++) text << " I" << i;
+  text << " ;\noutput: O ;\nconnexion: S R T;\nequation_def:\n" << n + 1 << "\n";
+  // The conjunction of all inputs, the root first.
+  for (long i = 0; i < n; i++) text << i << ": " << 2 * i << ":" << (i + 1) << ":" << n << ",-1\n";
+  text << n << ": -1:-3:-3,1\nexpressions:\n0 0 " << 2 * n << ":0,1,()\nend:\n";
+  Module* m = readBack("big", text.str());
+  ASSERT_NE(m, nullptr);
+  Bddexpressionwood* w = m->getBddWood();
+  Bddexpression* e = w->exp_by_index(2 * n);
+  ASSERT_NE(e, nullptr);
+  bddpp_manager* mg = w->my_bdd_manager();
+  EXPECT_EQ(long(mg->set_of_index_depend_on(e->my_bdd_exp()).size()), n);
+}
+
+// Operator numbers carry a type index that is only informative; a writer without the type
+// gives negative numbers, and SignalVal of type index 1 is 29.
+TEST(QncReader, OperatorNumbersKeepTheOperatorAlone) {
+  ensureTables();
+  for (const char* code : {"14", "-1", "29"}) {
+    SCOPED_TRACE(code);
+    std::string text = std::string("module: H  0 0\ninput: A : int ;\nlocal: V : int;\nconnexion: S R T;\n") +
+                       "equation_def:\n0\nexpressions:\nend:\nbinding:\n   (2, 3): value: 0;\nend:\n" +
+                       "evaltable:\n   0: %%" + code + "(0, 1);\nend:\n";
+    Module* m = readBack("operator", text);
+    ASSERT_NE(m, nullptr);
+    ASSERT_NE(m->getDataTable(), nullptr);
+    ASSERT_EQ(m->getDataTable()->size(), 1u);
+    EXPECT_TRUE(m->getDataTable()->begin()->second->getValue()->isDataSignalValue());
+  }
+}
+
+}  // namespace
