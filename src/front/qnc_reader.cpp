@@ -178,6 +178,11 @@ bool class_qnc_parser::bddexpression_convert(Bddexpressionwood* w, long early, l
     std::cerr << "line " << qnc_current_line() << ": " << what << std::endl;
     return false;
   };
+  // Dates are sums of weights along paths; a number far out of that range is damage and
+  // would overflow the dating.
+  const long dateBound = 1000000000L;
+  if (early < -dateBound || early > dateBound || late < -dateBound || late > dateBound)
+    return bad("date out of range");
   if (variable < 0 || variable >= manager->Nb_bdd_vars)
     return bad("equation of an unknown variable " + std::to_string(variable));
   if (node == -3) {

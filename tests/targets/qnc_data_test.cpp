@@ -210,6 +210,8 @@ TEST(QncDamaged, ReaderMessages) {
        "unknown variable 99"},
       {"loop", head + "equation_def:\n2\n0: 0:1:0,1\n1: -1:-3:-3,1\nexpressions:\n0 0 2:0,1,()\nend:\n",
        "is its own descendant"},
+      {"date", head + "equation_def:\n0\nexpressions:\n99999999999999999999 0 2:-3,-3,()\nend:\n",
+       "date out of range"},
       {"equation of no variable", head + "equation_def:\n0\nexpressions:\n0 0 40:-3,-3,()\nend:\n",
        "equation of an unknown variable 40"},
       {"twice", "module: H  0 0\ninput: A A ;\nconnexion: S R T;\nequation_def:\n0\nexpressions:\nend:\n",
