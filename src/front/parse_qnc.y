@@ -107,17 +107,15 @@ module_compile
     register_declarations
       {
         Module* m = P()->module;
-        m->setInputSignalList(new std::list<Signal*>(P()->inputs));
-        m->setOutputSignalList(new std::list<Signal*>(P()->outputs));
-        m->setDataSignalList(new std::list<Signal*>(P()->datas));
-        m->setLocalSignalList(new std::list<Signal*>(P()->locals));
-        m->setRegisterList(P()->registers);
+        *m->getInputSignalList() = P()->inputs;
+        *m->getOutputSignalList() = P()->outputs;
+        *m->getDataSignalList() = P()->datas;
+        *m->getLocalSignalList() = P()->locals;
       }
     memorized_declarations connexion_declarations wood_declaration binding_declaration
     data_declaration
       {
         Module* m = P()->module;
-        m->setPreSignalList(P()->memorized);
         m->setReincarnate(P()->reincarnate != 0);
         m->setFinalised(P()->finalised != 0);
         if (P()->binding_read) {
@@ -214,8 +212,7 @@ register
         if (next && actual) {
           next->setRegister();
           actual->setRegister();
-          if (!P()->registers) P()->registers = new std::list<regclass*>();
-          P()->registers->push_back(new regclass(actual, next, $3 != 0));
+          P()->module->getRegisterList()->push_back(new regclass(actual, next, $3 != 0));
         }
         P()->qnc_debuger_law(1, "register");
       }
@@ -252,8 +249,7 @@ memorized
         }
         if (actual->isValued(P()->module, P()->wood))
           pre->setValueType(actual->getValueType(P()->module, P()->wood), P()->module, P()->wood);
-        if (!P()->memorized) P()->memorized = new std::list<memorizedSignal*>();
-        P()->memorized->push_back(new memorizedSignal(pre, actual, $3 ? *$3 : ""));
+        P()->module->getPreSignalList()->push_back(new memorizedSignal(pre, actual, $3 ? *$3 : ""));
         P()->qnc_debuger_law(1, "memorized");
       }
   ;

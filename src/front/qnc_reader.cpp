@@ -304,9 +304,9 @@ Module* Compilation::qnc_parse(const std::string& file, std::string* instance, s
   qncFlexLexer scanner(&in, &log);
   // The parser's records (signals, nodes, a module left half made by an error) live for
   // the run, as everything the parsers build.
-  static std::list<class_qnc_parser*> parsers;
+  static auto* parsers = new std::list<class_qnc_parser*>();
   class_qnc_parser* parser = new class_qnc_parser(&scanner, &log);
-  parsers.push_back(parser);
+  parsers->push_back(parser);
   std::list<std::string> noNames;
   parser->inputNames = inputNames ? inputNames : &noNames;
   parser->outputNames = outputNames ? outputNames : &noNames;
