@@ -221,8 +221,10 @@ initial_value
   : TOKEN_NUMBER
       {
         $$ = $1;
-        if ($1 > 1)
+        if ($1 > 1) {
           fl_show_Smessages("Warning: Boolean value expected to initialize register value\n");
+          std::cerr << "Warning: Boolean value expected to initialize register value\n";
+        }
       }
   ;
 

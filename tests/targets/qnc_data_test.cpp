@@ -344,3 +344,25 @@ TEST(QncReader, OperatorNumbersKeepTheOperatorAlone) {
 }
 
 }  // namespace
+
+namespace {
+
+// A register of an unknown name is left out with a message; an initial value above 1 is
+// warned about and read as true.
+TEST(QncReader, RegisterLines) {
+  std::string text = "module: H  0 0\nlocal: n a;\nregister:\nn a 2;\nn missing 0;\n\n"
+                     "connexion: S R T;\nequation_def:\n0\nexpressions:\nend:\n";
+  testing::internal::CaptureStderr();
+  Module* m = readBack("registers", text);
+  std::string err = testing::internal::GetCapturedStderr();
+  ASSERT_NE(m, nullptr) << err;
+  EXPECT_NE(err.find("Warning: Boolean value expected to initialize register value\n"), std::string::npos);
+  EXPECT_NE(err.find("register missing not defined as local ..."), std::string::npos);
+  ASSERT_EQ(m->getRegisterList()->size(), 1u);
+  regclass* r = m->getRegisterList()->front();
+  EXPECT_EQ(r->next_var()->getInternalName(), "n");
+  EXPECT_EQ(r->actual_var()->getInternalName(), "a");
+  EXPECT_EQ(r->is_initialy_true(), 1);
+}
+
+}  // namespace
