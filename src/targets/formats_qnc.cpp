@@ -170,6 +170,20 @@ std::list<std::pair<long, long>> unlistedVariables(Module* m, Bddexpressionwood*
 
 }  // namespace
 
+static void forgetEvaluationNumbers(DataExpr* e) {
+  if (!e) return;
+  e->DataExpr::setIndex(-1);
+  if (auto* call = dynamic_cast<DataMethodCall*>(e)) {
+    if (call->getArgList())
+      for (DataExpr* a : *call->getArgList()) forgetEvaluationNumbers(a);
+  } else if (auto* binary = dynamic_cast<DataBinaryOp*>(e)) {
+    forgetEvaluationNumbers(binary->getLeft());
+    forgetEvaluationNumbers(binary->getRight());
+  } else if (auto* unary = dynamic_cast<DataUnaryOp*>(e)) {
+    forgetEvaluationNumbers(unary->getOperand());
+  }
+}
+
 // A comment runs to the line end: the documentation of an equation must stay on one line.
 static std::string oneLine(std::string s) {
   for (char& c : s)
@@ -338,6 +352,9 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
     // writing would point into another table.
     if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
       for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) c->setEvalIndex(-1);
+    // So are those of the value trees: an argument still numbered by an earlier writing
+    // would be written in place, and the table would no longer be flat.
+    for (const auto& [bound, binding] : *dataTable) forgetEvaluationNumbers(binding->getValue());
     printBinding(out, numbers.data());
   }
 
