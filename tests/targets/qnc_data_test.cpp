@@ -368,3 +368,25 @@ TEST(QncReader, RegisterLines) {
 }
 
 }  // namespace
+
+namespace {
+
+// The value bound to an input is written itself, not a copy: its arguments keep the
+// numbers of a writing, which the next one must not take for its own.
+TEST(QncData, InputBindingWrittenTwice) {
+  ensureTables();
+  Module* m = new Module("J");
+  declare(*m, "A", true);
+  Signal* b = declare(*m, "B", true, "int");
+  Signal* c = declare(*m, "C", true, "int");
+  m->createCompileEnv();
+  int plus = Compilation::GDataMethodTable->getMethodIndex("plus");
+  int zero = Compilation::GDataConstantTable->getConstantIndex("zero");
+  auto* args = new std::list<DataExpr*>{new DataConstant(zero), new DataSignalValue(b)};
+  m->addSignalBinding(new DataMethodCall(plus, args), c, static_cast<Signal*>(nullptr));
+  std::string first = written(*m);
+  EXPECT_EQ(written(*m), first);
+  EXPECT_NE(readBack("input_binding", written(*m)), nullptr) << first;
+}
+
+}  // namespace
