@@ -8,6 +8,7 @@
 #include "driver/compilation.h"
 #include "equations/equationtable.h"
 #include "model/module.h"
+#include "model/wire_names.h"
 #include "signals/signal_manager.h"
 
 namespace {
@@ -69,13 +70,10 @@ Signal* Statement::getRtl() {
 
 void Statement::createWires(Module* module, EquationTable* table) {
   Bddexpressionwood* wood = table->getBddexpressionWood();
-  set = new Signal(Compilation::createSETName(name), module, wood);
-  reset = new Signal(Compilation::createRESETName(name), module, wood);
-  rtl = new Signal(Compilation::createRTLName(name), module, wood);
-  for (Signal* w : {set, reset, rtl}) {
-    w->setWire();
-    module->addLocalSignal(w);
-  }
+  set = newWireSignal(Compilation::createSETName(name), module, wood);
+  reset = newWireSignal(Compilation::createRESETName(name), module, wood);
+  rtl = newWireSignal(Compilation::createRTLName(name), module, wood);
+  for (Signal* w : {set, reset, rtl}) module->addLocalSignal(w);
 }
 
 void Statement::connectExternalWires(Module* module) {
