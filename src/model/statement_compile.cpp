@@ -2,8 +2,6 @@
 // statement compiles to nothing.
 #include "model/statement.h"
 
-void Run::createEquations(Module*, EquationTable*) {}
-void Run::compile(Module*, EquationTable*) {}
 void Automaton::createEquations(Module*, EquationTable*) {}
 void Automaton::compile(Module*, EquationTable*) {}
 void MealyMachine::createEquations(Module*, EquationTable*) {}

@@ -1,0 +1,217 @@
+// Instances of a called module: names with the instance suffix, connections by the
+// renaming table or by equal names, and the same wood whichever road brought the called
+// module in. Each compilation runs in a child process, since the module tables and the
+// statement counters belong to the whole run.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "driver/compilation.h"
+#include "equations/Bddexpression.h"
+#include "equations/equationtable.h"
+#include "model/module.h"
+#include "model/statement.h"
+#include "model_test_util.h"
+#include "signals/signal_manager.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A scratch copy of the run cases' files.
+fs::path scratchCopy() {
+  fs::path dir = fs::temp_directory_path() / ("quarn_run_" + std::to_string(getpid()) + "_" +
+                                              std::to_string(rand()));
+  fs::create_directories(dir);
+  fs::copy(fs::path(QUARN_SOURCE_DIR) / "tests/e2e/run", dir, fs::copy_options::recursive);
+  return dir;
+}
+
+struct Outcome {
+  int status = -1;
+  std::vector<std::string> lines;
+};
+
+// Runs body in a child process in dir; what it writes to its stream comes back as lines.
+Outcome inChild(const fs::path& dir, const std::function<void(std::ostream&)>& body) {
+  fs::path out = dir / "child.out";
+  fflush(nullptr);
+  pid_t pid = fork();
+  if (pid == 0) {
+    fs::current_path(dir);
+    std::ofstream stream(out);
+    body(stream);
+    stream.close();
+    _exit(0);
+  }
+  Outcome o;
+  int status = 0;
+  waitpid(pid, &status, 0);
+  o.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128;
+  std::ifstream in(out);
+  for (std::string line; std::getline(in, line);) o.lines.push_back(line);
+  return o;
+}
+
+Module* parseAndCompile(const std::string& file, const std::string& name) {
+  Compilation::qn_parse(file);
+  Module* m = Compilation::ModTable->get(name);
+  if (!m) _exit(3);
+  m->complementary_check_syntax();
+  m->compile();
+  return m;
+}
+
+// Equation names in ascending order, one a line, behind their count.
+void printWood(Module* m, std::ostream& out) {
+  Bddexpressionwood* wood = m->getBddWood();
+  std::vector<std::string> names;
+  for (long i : wood->getExpIds())
+    if (Bddexpression* e = wood->exp_by_index(i)) names.push_back(e->getName());
+  std::sort(names.begin(), names.end());
+  out << "count " << names.size() << "\n";
+  for (const std::string& n : names) out << n << "\n";
+}
+
+bool has(const std::vector<std::string>& lines, const std::string& s) {
+  return std::find(lines.begin(), lines.end(), s) != lines.end();
+}
+
+size_t countContaining(const std::vector<std::string>& lines, const std::string& part) {
+  return std::count_if(lines.begin(), lines.end(),
+                       [&](const std::string& l) { return l.find(part) != std::string::npos; });
+}
+
+// The run statements of a tree, in the order of the source.
+void collectRuns(Statement* s, std::vector<::Run*>& runs);
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------
+// Names of instances and their connections
+
+TEST(RunInstance, NamesAndConnections) {
+  fs::path dir = scratchCopy();
+  // Locals of the caller, then the renaming table of each run, after compilation.
+  Outcome o = inChild(dir, [](std::ostream& out) {
+    Module* m = parseAndCompile("same.qn", "twice");
+    for (Signal* s : *m->getLocalSignalList()) out << "local " << s->getInternalName() << "\n";
+    std::vector<::Run*> runs;
+    collectRuns(m->getStatement(), runs);
+    for (::Run* r : runs) {
+      out << "run " << *r->getInstance() << "\n";
+      for (auto& [key, s] : *r->getRenamingTable())
+        out << "rename " << *r->getInstance() << " " << key << " "
+            << (s ? s->getInternalName() : "null") << "\n";
+      for (auto& [key, s] : *r->getInterface()->getLocalSignalTable())
+        out << "iface local " << *r->getInstance() << " " << key << " " << s->getInternalName()
+            << "\n";
+      for (auto& [key, s] : *r->getInterface()->getOutputSignalTable())
+        out << "iface output " << *r->getInstance() << " " << key << "\n";
+    }
+  });
+  ASSERT_EQ(o.status, 0);
+  const auto& l = o.lines;
+  struct Expect {
+    const char* line;
+    bool present;
+  } cases[] = {
+      // Two instances of one module get two numbers.
+      {"run __sub_i0", true},
+      {"run __sub_i1", true},
+      {"run __sub_i2", false},
+      // The called module's locals and wires are the caller's under the suffix.
+      {"local L__sub_i0", true},
+      {"local L__sub_i1", true},
+      {"local SETsub__sub_i0", true},
+      {"local RESETsub__sub_i0", true},
+      {"local RTLsub__sub_i1", true},
+      {"iface local __sub_i0 L L__sub_i0", true},
+      // The renamed run keeps its table and adds nothing to the interface outputs.
+      {"rename __sub_i0 GO A", true},
+      {"rename __sub_i0 DONE O", true},
+      {"iface output __sub_i0 DONE", false},
+      // The plain run connects by equal names and records them.
+      {"rename __sub_i1 GO GO", true},
+      {"rename __sub_i1 DONE DONE", true},
+      {"iface output __sub_i1 DONE", true},
+  };
+  for (const Expect& c : cases) EXPECT_EQ(has(l, c.line), c.present) << c.line;
+  // The occurrences of the called output beyond 0 are locals of each instance.
+  EXPECT_GE(countContaining(l, "local DONE_1__sub_i"), 2u);
+  fs::remove_all(dir);
+}
+
+// The instance's equations land in the caller's wood; the variable of an output that
+// the run renamed is the caller's, never a copy under the suffix.
+TEST(RunInstance, WoodOfTheCaller) {
+  fs::path dir = scratchCopy();
+  Outcome o = inChild(dir, [](std::ostream& out) { printWood(parseAndCompile("same.qn", "top"), out); });
+  ASSERT_EQ(o.status, 0);
+  const auto& l = o.lines;
+  EXPECT_TRUE(has(l, "L__sub_i0"));
+  EXPECT_TRUE(has(l, "SETsub__sub_i0"));
+  EXPECT_TRUE(has(l, "O"));
+  EXPECT_EQ(countContaining(l, "DONE__sub"), 0u);
+  EXPECT_EQ(countContaining(l, "GO"), 0u);
+  EXPECT_EQ(countContaining(l, "__sub_i1"), 0u);
+  fs::remove_all(dir);
+}
+
+// ---------------------------------------------------------------------------------------
+// The same wood by every road
+
+TEST(RunInstance, SameWoodFromSourceFileOrDeclaration) {
+  for (const char* name : {"top", "twice"}) {
+    SCOPED_TRACE(name);
+    fs::path dir = scratchCopy();
+    std::string main = name;
+    Outcome same = inChild(dir, [&](std::ostream& out) { printWood(parseAndCompile("same.qn", main), out); });
+    // Through the declaration "Run:": the called module's file is read by the check.
+    Outcome other = inChild(dir, [&](std::ostream& out) { printWood(parseAndCompile("top.qn", main), out); });
+    ASSERT_EQ(same.status, 0);
+    ASSERT_EQ(other.status, 0);
+    ASSERT_FALSE(same.lines.empty());
+    EXPECT_EQ(same.lines, other.lines);
+    fs::remove_all(dir);
+  }
+}
+
+// A declared module that no file provides is reported.
+TEST(RunInstance, DeclaredButMissing) {
+  fs::path dir = scratchCopy();
+  fs::remove(dir / "sub.qn");
+  testing::internal::CaptureStderr();
+  Outcome o = inChild(dir, [](std::ostream&) { parseAndCompile("top.qn", "top"); });
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(o.status, 1);
+  EXPECT_NE(err.find("Impossible to load module :\"sub\" from qnc file"), std::string::npos) << err;
+  fs::remove_all(dir);
+}
+
+namespace {
+
+void collectRuns(Statement* s, std::vector<::Run*>& runs) {
+  if (!s) return;
+  if (auto* r = dynamic_cast<::Run*>(s)) {
+    runs.push_back(r);
+    return;
+  }
+  if (auto* p = dynamic_cast<Pn*>(s))
+    for (int i = 0; i < p->getCount(); i++) collectRuns(p->getArray()[i], runs);
+  if (auto* p = dynamic_cast<Parallel*>(s)) {
+    collectRuns(p->getLeft(), runs);
+    collectRuns(p->getRight(), runs);
+  }
+}
+
+}  // namespace
