@@ -15,6 +15,7 @@
 #include <sstream>
 #include <vector>
 
+#include "bdd/bddpp.h"
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
@@ -165,6 +166,90 @@ TEST(RunInstance, WoodOfTheCaller) {
   EXPECT_EQ(countContaining(l, "GO"), 0u);
   EXPECT_EQ(countContaining(l, "__sub_i1"), 0u);
   fs::remove_all(dir);
+}
+
+// A run of a module that holds runs: the inner suffix is part of the inner names and the
+// outer one goes behind it; a valued output keeps its type in every occurrence copy.
+TEST(RunInstance, NestedInstancesAndValuedOutputs) {
+  fs::path dir = scratchCopy();
+  Outcome o = inChild(dir, [](std::ostream& out) {
+    Module* m = parseAndCompile("nested.qn", "nest");
+    for (Signal* s : *m->getLocalSignalList()) {
+      out << "local " << s->getInternalName();
+      if (s->isValued(m)) out << " : " << s->getValueType(m);
+      out << "\n";
+    }
+    printWood(m, out);
+  });
+  ASSERT_EQ(o.status, 0);
+  const auto& l = o.lines;
+  struct Expect {
+    const char* line;
+    bool present;
+  } cases[] = {
+      {"local L__sub_i0__mid_i0", true},
+      {"local L__sub_i0__mid_i1", true},
+      {"local SETsub__sub_i0__mid_i1", true},
+      {"local SETmid__mid_i0", true},
+      {"local SETmid__mid_i1", true},
+      {"local SETvsub__vsub_i0__mid_i0", true},
+      // Inner modules are compiled once: one inner instance per module.
+      {"local L__sub_i1__mid_i0", false},
+      {"local V_1__vsub_i0__mid_i0 : int", true},
+      {"local V_1__mid_i1 : int", true},
+  };
+  for (const Expect& c : cases) EXPECT_EQ(has(l, c.line), c.present) << c.line;
+  fs::remove_all(dir);
+}
+
+// compile_with_preemption masks the outputs that the instance connects by name with
+// Not(strong); a renamed output and a zero strong function leave them as they are.
+TEST(RunInstance, PreemptionMasksUnrenamedOutputs) {
+  struct Case {
+    const char* what;
+    bool renamed;
+    bool zeroStrong;
+    bool masked;
+  } cases[] = {
+      {"by name", false, false, true},
+      {"renamed", true, false, false},
+      {"zero strong", false, true, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    fs::path dir = scratchCopy();
+    Outcome o = inChild(dir, [&](std::ostream& out) {
+      Compilation::qn_parse("sub.qn");
+      Module* host = new Module("host");
+      model_test::input(*host, "GO");
+      Signal* k = model_test::input(*host, "K");
+      Signal* done = model_test::output(*host, "DONE");
+      Signal* other = model_test::output(*host, "X");
+      host->createCompileEnv();
+      Bddexpressionwood* wood = host->getBddWood();
+      ::Run* r = new ::Run("R", "sub");
+      r->setParentModule(host);
+      if (c.renamed) {
+        auto* l = new std::list<std::pair<char const*, Signal*>*>;
+        l->push_back(new std::pair<char const*, Signal*>("DONE", other));
+        r->setRenamingTable(l);
+      }
+      bddpp_manager* manager = wood->my_bdd_manager();
+      bdd strong = c.zeroStrong ? manager->Bdd_zero() : k->getOverBdd(host, wood);
+      r->compile_with_preemption(host, host->getCompilation(), strong);
+      Signal* target = c.renamed ? other : done;
+      SignalRef* ref = target->getCurrentSignalRef(wood, host);
+      Bddexpression* e = wood->exp_by_index(ref->getOverBddId(wood));
+      bdd k1 = manager->Bdd_and(e->my_bdd_exp(), k->getOverBdd(host, wood));
+      out << (manager->Bdd_is_zero_tautologic(k1) ? "masked" : "open") << "\n";
+      out << (manager->Bdd_is_zero_tautologic(e->my_bdd_exp()) ? "zero" : "nonzero") << "\n";
+    });
+    ASSERT_EQ(o.status, 0);
+    ASSERT_EQ(o.lines.size(), 2u);
+    EXPECT_EQ(o.lines[0], c.masked ? "masked" : "open");
+    EXPECT_EQ(o.lines[1], "nonzero");
+    fs::remove_all(dir);
+  }
 }
 
 // ---------------------------------------------------------------------------------------
