@@ -252,6 +252,39 @@ TEST(RunInstance, PreemptionMasksUnrenamedOutputs) {
   }
 }
 
+// Every name of an instance finds its new name: no warning while the wood is copied.
+TEST(RunInstance, CompilesWithoutLostNames) {
+  struct Case {
+    const char* file;
+    const char* module;
+  } cases[] = {
+      {"same.qn", "top"},         {"same.qn", "twice"},        {"top.qn", "twice"},
+      {"nested.qn", "nest"},      {"branches.qn", "branches"}, {"branches.qn", "looped"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.file) + " " + c.module);
+    fs::path dir = scratchCopy();
+    testing::internal::CaptureStderr();
+    Outcome o = inChild(dir, [&](std::ostream&) { parseAndCompile(c.file, c.module); });
+    std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(o.status, 0) << err;
+    EXPECT_EQ(err.find("Warning: no renaming"), std::string::npos) << err;
+    EXPECT_EQ(err.find("error"), std::string::npos) << err;
+    fs::remove_all(dir);
+  }
+}
+
+// A run in each branch of a test: two instances, compiled in two tables and joined.
+TEST(RunInstance, BranchesKeepBothInstances) {
+  fs::path dir = scratchCopy();
+  Outcome o = inChild(dir, [](std::ostream& out) { printWood(parseAndCompile("branches.qn", "branches"), out); });
+  ASSERT_EQ(o.status, 0);
+  EXPECT_GT(countContaining(o.lines, "L__sub_i0"), 0u);
+  EXPECT_GT(countContaining(o.lines, "L__sub_i1"), 0u);
+  EXPECT_TRUE(has(o.lines, "DONE"));
+  fs::remove_all(dir);
+}
+
 // ---------------------------------------------------------------------------------------
 // The same wood by every road
 
