@@ -260,6 +260,7 @@ TEST(RunInstance, CompilesWithoutLostNames) {
   } cases[] = {
       {"same.qn", "top"},         {"same.qn", "twice"},        {"top.qn", "twice"},
       {"nested.qn", "nest"},      {"branches.qn", "branches"}, {"branches.qn", "looped"},
+      {"nested.qn", "prerun"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.file) + " " + c.module);
@@ -272,6 +273,22 @@ TEST(RunInstance, CompilesWithoutLostNames) {
     EXPECT_EQ(err.find("error"), std::string::npos) << err;
     fs::remove_all(dir);
   }
+}
+
+// A pre signal of the called module becomes an input and pre of the caller, remembering
+// the caller's signal that the renaming gave.
+TEST(RunInstance, PreSignalsFollowTheRenaming) {
+  fs::path dir = scratchCopy();
+  Outcome o = inChild(dir, [](std::ostream& out) {
+    Module* m = parseAndCompile("nested.qn", "prerun");
+    for (memorizedSignal* p : *m->getPreSignalList())
+      out << "pre " << p->getPre()->getInternalName() << " " << p->getPre()->isInput() << " "
+          << (p->getActual() ? p->getActual()->getInternalName() : "null") << "\n";
+    printWood(m, out);
+  });
+  ASSERT_EQ(o.status, 0);
+  EXPECT_TRUE(has(o.lines, "pre PGO__psub_i0 1 A"));
+  fs::remove_all(dir);
 }
 
 // A run in each branch of a test: two instances, compiled in two tables and joined.
