@@ -4,6 +4,7 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <set>
 
 #include "bdd/bddpp.h"
 #include "data/data.h"
@@ -124,9 +125,16 @@ void Run::compile(Module* module, EquationTable* table) {
     return;
   }
 
+  // A module that runs itself, directly or through others, would be copied into itself
+  // half compiled.
+  static std::multiset<Module*> callers;
+  if (called == module || callers.count(called))
+    Compilation::fatal("Error in Run call: module " + moduleName + " runs itself");
   instance = new std::string("__" + moduleName + "_i" +
                              std::to_string(called->incrCurrentInstance()));
+  callers.insert(module);
   if (!called->getSet()) called->compile();
+  callers.erase(callers.find(module));
   iface = module->includeCompiledModule(called, table, this, *instance);
   createEquations(module, table);
 }

@@ -291,6 +291,20 @@ TEST(RunInstance, PreSignalsFollowTheRenaming) {
   fs::remove_all(dir);
 }
 
+// A module that runs itself, directly or through another, is reported, never looped on.
+TEST(RunInstance, RecursiveRunIsReported) {
+  for (const char* name : {"a", "b", "c"}) {
+    SCOPED_TRACE(name);
+    fs::path dir = scratchCopy();
+    testing::internal::CaptureStderr();
+    Outcome o = inChild(dir, [&](std::ostream&) { parseAndCompile("recursive.qn", name); });
+    std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(o.status, 1);
+    EXPECT_NE(err.find(" runs itself"), std::string::npos) << err;
+    fs::remove_all(dir);
+  }
+}
+
 // A run in each branch of a test: two instances, compiled in two tables and joined.
 TEST(RunInstance, BranchesKeepBothInstances) {
   fs::path dir = scratchCopy();
