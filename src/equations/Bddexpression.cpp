@@ -205,6 +205,7 @@ void Bddexpression::setBddExp(const bdd& exp) {
   right = exp;
   abstraction = 0;
   build_normal_dependances();
+  wood->update_bdd_vars();
   // Cycle watch: the walk warns when a cycle lies behind the equation. Its
   // upstream twin has no effect but a warning-free walk, so it isn't run.
   if (i >= 0) wood->down_critical_path(i, 0, 0);
@@ -702,7 +703,9 @@ void Bddexpressionwood::Learn(Bddexpression* e, const std::set<long>* extra) {
     std::cerr << "bdd variable doesn't exist in Bdd manager" << std::endl;
     return;
   }
-  if (i >= nb_bdd_vars) update_bdd_vars();
+  // A right member may read variables made since the last update (a branch's
+  // equations carried over by name): their readers must be kept too.
+  update_bdd_vars();
   if (i >= nb_bdd_vars) return;  // the record's manager isn't this wood's
   Bddexpression* old = exp_table[i];
   if (old == e) return;
