@@ -123,11 +123,4 @@ Module* Compilation::createModuleFromQncCode(const std::string& name,
   return qnc_parse(file, EmptyString, inputNames, outputNames);
 }
 
-// TODO(front): forwards to the five-argument form of the compiled module reader:
-//   return qnc_parse(file, instance, EmptyString, inputNames, outputNames);
-// The reader defines that form; until it lands a call is a fault.
-Module* Compilation::qnc_parse(const std::string& file, std::string*, std::list<std::string>*,
-                               std::list<std::string>*) {
-  IllegalOperationException("Compilation::qnc_parse: compiled module reader not yet available: " +
-                            file);
-}
+// Compilation::qnc_parse is defined with the compiled module reader, in front/qnc_reader.cpp.
