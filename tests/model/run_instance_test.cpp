@@ -83,6 +83,42 @@ void printWood(Module* m, std::ostream& out) {
   for (const std::string& n : names) out << n << "\n";
 }
 
+// Each equation as its variable's name, the names its right member reads, and its truth
+// table over them in name order: the same circuit gives the same lines whatever the
+// equations are called and whatever the order of the variables.
+void printCircuit(Module* m, std::ostream& out) {
+  Bddexpressionwood* wood = m->getBddWood();
+  bddpp_manager* manager = wood->my_bdd_manager();
+  std::vector<std::string> lines;
+  std::vector<int> literals(manager->Nb_bdd_vars, 2);
+  for (long i : wood->getExpIds()) {
+    Bddexpression* e = wood->exp_by_index(i);
+    if (!e) continue;
+    std::string line = e->my_bddname() + " <-";
+    if (!e->getExpDef().empty()) {
+      lines.push_back(line + " " + e->getExpDef());
+      continue;
+    }
+    std::vector<std::pair<std::string, long>> support;
+    for (long index : manager->set_of_index_depend_on(e->my_bdd_exp()))
+      support.emplace_back(manager->Name_var_by_index(index), index);
+    std::sort(support.begin(), support.end());
+    for (auto& [name, index] : support) line += " " + name;
+    line += " :";
+    if (support.size() <= 12) {
+      for (unsigned long bits = 0; bits < (1ul << support.size()); bits++) {
+        for (size_t k = 0; k < support.size(); k++) literals[support[k].second] = (bits >> k) & 1;
+        line += std::to_string(manager->Bdd_eval_for_literal(e->my_bdd_exp(), literals.data()));
+      }
+      for (auto& [name, index] : support) literals[index] = 2;
+    }
+    lines.push_back(line);
+  }
+  std::sort(lines.begin(), lines.end());
+  out << "count " << lines.size() << "\n";
+  for (const std::string& l : lines) out << l << "\n";
+}
+
 bool has(const std::vector<std::string>& lines, const std::string& s) {
   return std::find(lines.begin(), lines.end(), s) != lines.end();
 }
@@ -324,13 +360,49 @@ TEST(RunInstance, SameWoodFromSourceFileOrDeclaration) {
     SCOPED_TRACE(name);
     fs::path dir = scratchCopy();
     std::string main = name;
-    Outcome same = inChild(dir, [&](std::ostream& out) { printWood(parseAndCompile("same.qn", main), out); });
+    Outcome same = inChild(dir, [&](std::ostream& out) {
+      Module* m = parseAndCompile("same.qn", main);
+      printWood(m, out);
+      printCircuit(m, out);
+    });
     // Through the declaration "Run:": the called module's file is read by the check.
-    Outcome other = inChild(dir, [&](std::ostream& out) { printWood(parseAndCompile("top.qn", main), out); });
+    Outcome other = inChild(dir, [&](std::ostream& out) {
+      Module* m = parseAndCompile("top.qn", main);
+      printWood(m, out);
+      printCircuit(m, out);
+    });
     ASSERT_EQ(same.status, 0);
     ASSERT_EQ(other.status, 0);
     ASSERT_FALSE(same.lines.empty());
     EXPECT_EQ(same.lines, other.lines);
+    fs::remove_all(dir);
+  }
+}
+
+// The called module from its compiled file: written by one run, read by another.
+TEST(RunInstance, SameWoodFromCompiledFile) {
+  for (const char* name : {"top", "twice"}) {
+    SCOPED_TRACE(name);
+    fs::path dir = scratchCopy();
+    std::string main = name;
+    Outcome same = inChild(dir, [&](std::ostream& out) { printCircuit(parseAndCompile("same.qn", main), out); });
+    Outcome saved = inChild(dir, [](std::ostream&) {
+      Module* sub = parseAndCompile("sub.qn", "sub");
+      Module::OutputDir = ".";
+      sub->save();
+    });
+    ASSERT_EQ(saved.status, 0);
+    ASSERT_TRUE(fs::exists(dir / "sub.qnc"));
+    fs::remove(dir / "sub.qn");
+    Outcome compiled = inChild(dir, [&](std::ostream& out) {
+      Module::CompilationFileList = new std::list<std::string>{"sub.qnc"};
+      Module* m = parseAndCompile("top.qn", main);
+      if (Compilation::ModTable->get("sub")) out << "sub read from source\n";
+      printCircuit(m, out);
+    });
+    ASSERT_EQ(same.status, 0);
+    ASSERT_EQ(compiled.status, 0);
+    EXPECT_EQ(same.lines, compiled.lines);
     fs::remove_all(dir);
   }
 }
