@@ -407,6 +407,27 @@ TEST(RunInstance, SameWoodFromCompiledFile) {
   }
 }
 
+// A compiled module that holds instances itself, one with a valued output and a data
+// binding, gives the circuit that its source gives.
+TEST(RunInstance, NestedFromCompiledFile) {
+  fs::path dir = scratchCopy();
+  Outcome same = inChild(dir, [](std::ostream& out) { printCircuit(parseAndCompile("nested.qn", "nest"), out); });
+  Outcome saved = inChild(dir, [](std::ostream&) {
+    Module* mid = parseAndCompile("nested.qn", "mid");
+    Module::OutputDir = ".";
+    mid->save();
+  });
+  ASSERT_EQ(saved.status, 0);
+  Outcome compiled = inChild(dir, [](std::ostream& out) {
+    Module::CompilationFileList = new std::list<std::string>{"mid.qnc"};
+    printCircuit(parseAndCompile("nested_declared.qn", "nest"), out);
+  });
+  ASSERT_EQ(same.status, 0);
+  ASSERT_EQ(compiled.status, 0);
+  EXPECT_EQ(same.lines, compiled.lines);
+  fs::remove_all(dir);
+}
+
 // A declared module that no file provides is reported.
 TEST(RunInstance, DeclaredButMissing) {
   fs::path dir = scratchCopy();
