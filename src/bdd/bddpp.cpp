@@ -38,8 +38,8 @@ namespace bdd_detail {
 
 constexpr size_t kHugePage = size_t(1) << 21;
 
-void* Allocate_table(size_t bytes) {
-  if (bytes < kHugePage) {
+void* Allocate_table(size_t bytes, bool block) {
+  if (bytes < kHugePage && !block) {
     void* p = ::operator new(bytes, std::align_val_t(64));
     std::memset(p, 0, bytes);
     return p;
@@ -57,15 +57,19 @@ void* Allocate_table(size_t bytes) {
   uintptr_t end = start + rounded + kHugePage;
   if (end > aligned + rounded) munmap(reinterpret_cast<void*>(aligned + rounded), end - (aligned + rounded));
   void* p = reinterpret_cast<void*>(aligned);
-#ifdef MADV_HUGEPAGE
-  (void)p;
+  if (block) return p;  // nodes are written before they are read
+  // Map the pages now, each by a write: a table read before it is written
+  // would fault twice per page.
+#ifdef MADV_POPULATE_WRITE
+  if (madvise(p, (bytes + 4095) & ~size_t(4095), MADV_POPULATE_WRITE) == 0) return p;
 #endif
+  for (size_t offset = 0; offset < bytes; offset += 4096) static_cast<volatile char*>(p)[offset] = 0;
   return p;
 }
 
-void Free_table(void* p, size_t bytes) {
+void Free_table(void* p, size_t bytes, bool block) {
   if (p == nullptr) return;
-  if (bytes < kHugePage)
+  if (bytes < kHugePage && !block)
     ::operator delete(p, std::align_val_t(64));
   else
     munmap(p, (bytes + kHugePage - 1) & ~(kHugePage - 1));
@@ -93,9 +97,10 @@ bddpp_manager::bddpp_manager() {
   index_of_id.assign(var_capacity, 0);
   id_of_index.assign(var_capacity, 0);
   assoc_table.resize(var_capacity);
-  Unique_rebuild(1u << 12);
-  cache_.assign_zero(1u << 15);
-  cache_mask_ = (1u << 15) - 1;
+  // Small at first: a compilation makes many managers with few nodes each.
+  Unique_rebuild(1u << 10);
+  cache_.assign_zero(1u << 11);
+  cache_mask_ = (1u << 11) - 1;
   one = Allocate_node();
   one->var_id = -1;
   one->gid_ = 1;
@@ -126,7 +131,7 @@ bddpp_manager::bddpp_manager(bddpp_manager* other) : bddpp_manager() {
 
 bddpp_manager::~bddpp_manager() {
   assoc_table.clear();
-  for (bdd_node* c : chunks_) bdd_detail::Free_table(reinterpret_cast<char*>(c) - 64, kBlockBytes);
+  for (bdd_node* c : chunks_) bdd_detail::Free_table(reinterpret_cast<char*>(c) - 64, kBlockUsed, true);
 }
 
 // ---------------------------------------------------------------------------
@@ -150,11 +155,11 @@ bdd_node* bddpp_manager::Allocate_node() {
   }
   if ((pool_top_ >> kChunkBits) >= chunks_.size()) {
     // A block of 2 MB on its own alignment: its head names the manager.
-    char* block = static_cast<char*>(bdd_detail::Allocate_table(kBlockBytes));
+    char* block = static_cast<char*>(bdd_detail::Allocate_table(kBlockUsed, true));
     *reinterpret_cast<bddpp_manager**>(block) = this;
     chunks_.push_back(reinterpret_cast<bdd_node*>(block + 64));
-    Cache_maybe_grow();
   }
+  if ((pool_top_ & 1023) == 0) Cache_maybe_grow();
   n = new (Node_at(pool_top_)) bdd_node();
   n->slot = pool_top_++;
   return n;
@@ -201,7 +206,7 @@ void bddpp_manager::Unique_insert(bdd_node* n) {
 
 void bddpp_manager::Unique_rebuild(size_t capacity) {
   // Moves the entries of the table, leaving out the nodes that `Bdd_gc` freed.
-  size_t cap = 1u << 12;
+  size_t cap = 1u << 10;
   while (cap < capacity || cap * 3 < size_t(live_nodes_) * 4 + 4) cap *= 2;
   bdd_detail::table<unique_slot> old;
   old.assign_zero(cap);
@@ -383,7 +388,7 @@ void bddpp_manager::Cache_clear() { cache_.assign_zero(cache_.size()); }
 
 void bddpp_manager::Cache_maybe_grow() {
   constexpr size_t kMaxCache = size_t(1) << 18;
-  if (cache_.size() >= kMaxCache || size_t(pool_top_) < cache_.size()) return;
+  if (cache_.size() >= kMaxCache || size_t(pool_top_) < cache_.size() * 2) return;
   bdd_detail::table<cache_entry> old;
   old.swap(cache_);
   cache_.assign_zero(old.size() * 2);

@@ -6,12 +6,15 @@
 // variable (fixed for life); the order goes through `index_of_id`, so a
 // variable can be inserted anywhere without touching a node.
 //
-// Storage: nodes live in a pool of fixed-size chunks addressed by a 32-bit
-// slot (pointers stay valid until `Bdd_gc`). The unique table is an open hash
-// on (variable, then slot, else slot, else sign); it never depends on the
-// 64-bit `signature`, whose fields are only a display form. Recursive
-// operations are memoised through a direct-mapped operation cache that
-// `Bdd_gc` clears. Nodes are only reclaimed by `Bdd_gc`.
+// Storage: nodes live in 2 MB blocks of 32768 nodes, addressed by a 32-bit
+// slot; a node never moves. The unique table is an open hash on (variable,
+// then slot, else slot, else sign): it never depends on the 64-bit
+// `signature`, whose fields are only a display form, so a manager past 2^20
+// nodes stays correct. Recursive operations are memoised through a
+// direct-mapped operation cache that `Bdd_gc` clears. A remembered result is
+// a node that the plain recursion would only have found again, so memoising
+// never changes which nodes are made nor their global ids. Nodes are only
+// reclaimed by `Bdd_gc`.
 #pragma once
 
 #include <cstdint>
@@ -30,8 +33,9 @@ class bdd_node;
 namespace bdd_detail {
 // Zeroed storage for the big tables: large blocks ask the system for huge
 // pages, since every lookup in them is a random access.
-void* Allocate_table(size_t bytes);
-void Free_table(void* p, size_t bytes);
+// A block is aligned on its own 2 MB whatever its size.
+void* Allocate_table(size_t bytes, bool block = false);
+void Free_table(void* p, size_t bytes, bool block = false);
 
 // A fixed-size array of plain records (resized only by `assign`).
 template <class T>
@@ -486,6 +490,8 @@ class bddpp_manager {
   edge And_rec(edge x, edge y);
   edge Or(edge x, edge y) { return And_rec(x ^ 1, y ^ 1) ^ 1; }
   edge Ite(edge f, edge g, edge h);
+  edge Ite_var(long var_id, edge t, edge e);
+  edge Ite_on_var(long var_id, edge t, edge e);
   edge Cube_reduce_rec(bdd_node* n, const int* literals, uint32_t op);
   edge Compose_rec(edge f, long var_index, edge g, uint32_t tag);
   edge Replace_rec(edge f, const long* map, uint32_t tag);
@@ -506,7 +512,8 @@ class bddpp_manager {
   static constexpr int kChunkBits = 15;  // 1.5 MB of nodes behind a block head, in 2 MB
   static constexpr uint32_t kChunkMask = (1u << kChunkBits) - 1;
   static constexpr size_t kBlockBytes = size_t(1) << 21;
-  static_assert(64 + (sizeof(bdd_node) << kChunkBits) <= kBlockBytes, "a block holds its nodes");
+  static constexpr size_t kBlockUsed = 64 + (sizeof(bdd_node) << kChunkBits);
+  static_assert(kBlockUsed <= kBlockBytes, "a block holds its nodes");
   std::vector<bdd_node*> chunks_;
   uint32_t pool_top_ = 0;                 // slots ever handed out
   bdd_node* free_list_ = nullptr;         // through then_node

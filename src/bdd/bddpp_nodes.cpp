@@ -112,14 +112,22 @@ bdd_node* Bdd_copy_node(bddpp_manager* target, bddpp_manager* source, bdd_node* 
   if (direct) {
     result = target->Find_or_create_bdd_node(target_index, 1, n->else_link_type, t, e, link);
   } else {
+    // (b and t) or (not b and e)
     bdd b = target->Bdd_var_by_index(target_index);
-    bdd then_part(target, 1, t);
-    bdd else_part(target, n->else_link_type, e);
-    bdd a = target->Bdd_and(b, then_part);
-    bdd c = target->Bdd_and(target->Bdd_not(b), else_part);
-    bdd r = target->Bdd_or(a, c);
-    result = r.node();
-    link = r.link_type();
+    if (b.node() == nullptr || t == nullptr || e == nullptr) {  // reported as the conjunction does, and stops
+      int unused;
+      target->Bdd_and(b.link_type(), b.node(), 1, t, unused);
+      target->Bdd_and(-b.link_type(), b.node(), n->else_link_type, e, unused);
+    }
+    bddpp_manager::edge r;
+    bddpp_manager::edge te = reinterpret_cast<bddpp_manager::edge>(t);
+    bddpp_manager::edge ee = reinterpret_cast<bddpp_manager::edge>(e) | (n->else_link_type < 0 ? 1 : 0);
+    if (b.node() == target->one)
+      r = target->Ite(reinterpret_cast<bddpp_manager::edge>(target->one), te, ee);
+    else
+      r = target->Ite_on_var(b.node()->var_id, te, ee);
+    result = bddpp_manager::Node(r);
+    link = bddpp_manager::Link(r);
     ++result->refs;  // held for the caller
   }
   if (link != 1) {

@@ -165,6 +165,35 @@ bddpp_manager::edge bddpp_manager::Ite(edge f, edge g, edge h) {
   return Or(a, b);
 }
 
+// Ite on a positive variable above both branches (terminals included): the
+// same three steps, (x and t), (not x and e) and their disjunction, make the
+// same nodes in the same order, so they are taken directly.
+bddpp_manager::edge bddpp_manager::Ite_var(long var_id, edge t, edge e) {
+  const edge zero = reinterpret_cast<edge>(one) | 1;
+  const edge x = reinterpret_cast<edge>(var_nodes[var_id]);
+  edge a, b;
+  if (Node(t) == one)
+    a = (t & 1) ? zero : x;
+  else
+    a = Mk(var_id, t, zero);
+  if (Node(e) == one)
+    b = (e & 1) ? zero : (x | 1);
+  else
+    b = Mk(var_id, zero, e);
+  if (a == zero) return b;
+  if (b == zero) return a;
+  if (Node(a) == Node(b)) return a == b ? a : reinterpret_cast<edge>(one);
+  return t == e ? t : Mk(var_id, t, e);
+}
+
+bddpp_manager::edge bddpp_manager::Ite_on_var(long var_id, edge t, edge e) {
+  const long level = index_of_id[var_id];
+  const bool above_t = Node(t) == one || level < Level(Node(t));
+  const bool above_e = Node(e) == one || level < Level(Node(e));
+  if (above_t && above_e) return Ite_var(var_id, t, e);
+  return Ite(reinterpret_cast<edge>(var_nodes[var_id]), t, e);
+}
+
 bdd bddpp_manager::Bdd_ite(const bdd& f, const bdd& g, const bdd& h) {
   null_and(f.node(), g.node());
   null_and(f.node(), h.node());
@@ -300,7 +329,7 @@ bddpp_manager::edge bddpp_manager::Compose_rec(edge f, long var_index, edge g, u
   if (Level(n) == var_index)
     r = Ite(g, t, e);
   else
-    r = Ite(reinterpret_cast<edge>(var_nodes[n->var_id]), t, e);
+    r = Ite_on_var(n->var_id, t, e);
   Cache_put(Code(f), 0, tag, r);
   return r;
 }
@@ -334,7 +363,7 @@ bddpp_manager::edge bddpp_manager::Replace_rec(edge f, const long* map, uint32_t
     selector = var_nodes[id_of_index[index]];
   }
   null_and(selector, selector);
-  r = Ite(reinterpret_cast<edge>(selector), t, e);
+  r = selector == one ? Ite(reinterpret_cast<edge>(one), t, e) : Ite_on_var(selector->var_id, t, e);
   Cache_put(Code(f), 0, tag, r);
   return r;
 }
@@ -354,7 +383,7 @@ bddpp_manager::edge bddpp_manager::Keep_rec(edge f, long n, uint32_t tag) {
   const edge s = f & 1;
   edge t = Keep_rec(reinterpret_cast<edge>(x->then_node) | s, n, tag);
   edge e = Keep_rec(reinterpret_cast<edge>(x->else_node) | (s ^ (x->else_link_type < 0)), n, tag);
-  r = Ite(reinterpret_cast<edge>(var_nodes[x->var_id]), t, e);
+  r = Ite_on_var(x->var_id, t, e);
   Cache_put(Code(f), 0, tag, r);
   return r;
 }

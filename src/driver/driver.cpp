@@ -220,16 +220,17 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   for (auto& [moduleName, module] : *Compilation::ModTable->getTable())
     module->complementary_check_syntax();
   mainModule->complementary_check_syntax();
-  // TODO(model): mainModule->compile(); once every statement creates its wires (it links).
+  mainModule->compile();
   if (Compilation::CheckOverKnowledgeFlag) {
-    // TODO(model): mainModule->check_over_knowledge();
+    mainModule->check_over_knowledge();
   }
 
   bool anyTarget = Compilation::SMVFlag || Compilation::BLIFFlag || Compilation::CFlag ||
                    Compilation::CSHARPFlag || Compilation::VHDLALTERAFlag;
   if (anyTarget) {
     // The generators work on a finalized private copy; the main module stays as compiled.
-    // TODO(equations): Module* copy = new Module(*mainModule); copy->finalize(0);
+    Module* copy = new Module(*mainModule);
+    copy->finalize(0);
     if (Compilation::SMVFlag) {
       // TODO(targets): copy->printSMV();
     }
@@ -239,7 +240,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
     }
     if (Compilation::CFlag) {
       std::cerr << "\n*** generate " << name << ".c and " << name << ".h" << std::endl;
-      // TODO(targets): copy->printC();
+      copy->printC();
     }
     if (Compilation::CSHARPFlag) {
       std::cerr << "\n*** generate " << name << ".cs" << std::endl;

@@ -271,12 +271,9 @@ void binding_declaration_parse::createbinding(Module* module, Bddexpressionwood*
     DataExpr* expr = dataexpr(get_evalnode(b.evaluation), module, wood, signals);
     Signal* clock = nullptr;
     if (b.signal_over != -1) clock = module->getSignalById(b.signal_over, wood);
-    if (clock) {
-      s->setValue();
-      module->addSignalBinding(expr, s, clock);
-    } else {
-      module->addSignalBinding(expr, s);
-    }
+    // The equations of the bound variables are in the file already: the binding is
+    // entered without making them again, which would lose their dates.
+    module->addSignalBinding(expr, s, clock);
   }
 }
 

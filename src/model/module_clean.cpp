@@ -3,7 +3,6 @@
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
-#include "signals/signal_manager.h"
 
 void Module::clean() {
   Bddexpressionwood* wood = getBddWood();
@@ -15,19 +14,4 @@ void Module::clean() {
   wood->suppress_wires(keep);
   suppress_useless_registers();
   clean_locals();
-}
-
-void Module::clean_locals() {
-  Bddexpressionwood* wood = getBddWood();
-  if (!localList || !wood) return;
-  auto* kept = new std::list<Signal*>;
-  for (Signal* s : *localList) {
-    if (s->isRegister() || s->isValued(this) || s->isClock()) {
-      kept->push_back(s);
-      continue;
-    }
-    wood->suppress_local(s->getOverBddId(this, wood));
-    wood->suppress_local(s->getUnderBddId(this, wood));
-  }
-  localList = kept;
 }

@@ -79,6 +79,21 @@ long Module::getPertLevel() {
   return wood ? wood->Nb_level() : 0;
 }
 
+void Module::clean_locals() {
+  Bddexpressionwood* wood = getBddWood();
+  if (!localList || !wood) return;
+  auto* kept = new std::list<Signal*>;
+  for (Signal* s : *localList) {
+    if (s->isRegister() || s->isValued(this) || s->isClock()) {
+      kept->push_back(s);
+      continue;
+    }
+    wood->suppress_local(s->getOverBddId(this, wood));
+    wood->suppress_local(s->getUnderBddId(this, wood));
+  }
+  localList = kept;
+}
+
 namespace {
 
 void setType(Bddexpressionwood* wood, long id, int type) {

@@ -14,6 +14,7 @@ class Expression;
 class EquationTable;
 class Interface;
 class bdd;
+class bddpp_manager;
 class State;
 class Transition;
 class Equation;
@@ -461,6 +462,14 @@ class Automaton : public Statement {
 
   static State* findState(std::map<std::string, State*>* table, const std::string& name);
 
+  // Two transitions of one priority that can fire together are a fatal report.
+  void check_determinism(Module* module, bddpp_manager* manager);
+  // Makes the triggers of different priorities exclusive; all priorities become 0.
+  void priority_integration();
+  // Codes of the source (0 for an initial transition) and of the target of *it.
+  void ident_states_transitions(std::list<Transition*>::iterator it, int b, long& sourceId,
+                                long& targetId);
+
  private:
   double* geometry;
   std::map<std::string, State*>* stateTable;
@@ -488,6 +497,9 @@ class MealyMachine : public Statement {
   // Keyed by the left variable's internal name; a later equation replaces an earlier one.
   void setMachineTable(std::list<Equation*>* equations, Module* module);
   std::map<std::string, Equation*>* getMachineTable() { return machineTable; }
+  // One equation of the table, active from the start instant on (actif or set).
+  void createQuarncEquation(Equation* equation, Signal* actif, Signal* set, Module* module,
+                            EquationTable* table);
 
  private:
   std::map<std::string, Equation*>* machineTable;

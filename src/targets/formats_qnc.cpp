@@ -1,8 +1,11 @@
 // The .qnc writer: one compiled module as text. Variables are written as file numbers
 // given in the order of the sections; the reader creates its variables in the same order,
 // so a file number is a variable id of the reading manager.
+#include <algorithm>
+#include <climits>
 #include <fstream>
 #include <iostream>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -88,6 +91,78 @@ void putConstant(std::ostream& out, ConstantDecl* c) {
     }
   }
   out << ";" << std::endl;
+}
+
+}  // namespace
+
+namespace {
+
+void addSignalPairs(std::set<long>& set, Signal* s, Module* m, Bddexpressionwood* wood) {
+  if (!s || !s->getSignalRef(m, wood)) return;
+  if (s->isLocal() || s->isWire() || s->isOutput()) {
+    for (long id : s->getAllBddId(m, wood)) set.insert(id);
+  } else {
+    set.insert(s->getInitialOverBddId(m, wood));
+    set.insert(s->getInitialUnderBddId(m, wood));
+  }
+}
+
+// Pairs (over, under; under -1 when the variable has no record) of the variables that
+// the saved equations and bindings read beyond those of the signal lists, in index order.
+std::list<std::pair<long, long>> unlistedVariables(Module* m, Bddexpressionwood* wood) {
+  std::set<long> listed;
+  for (auto* list : {m->getInputSignalList(), m->getOutputSignalList(), m->getDataSignalList(),
+                     m->getLocalSignalList()})
+    if (list)
+      for (Signal* s : *list) addSignalPairs(listed, s, m, wood);
+  if (m->getPreSignalList())
+    for (memorizedSignal* p : *m->getPreSignalList()) addSignalPairs(listed, p->getPre(), m, wood);
+  for (Signal* s : {m->getSet(), m->getReset(), m->getRtl()}) addSignalPairs(listed, s, m, wood);
+
+  std::set<long> wanted;
+  if (m->getDataTable())
+    for (const auto& [name, b] : *m->getDataTable()) {
+      addSignalPairs(wanted, b->getSignal(), m, wood);
+      addSignalPairs(wanted, b->getClock(), m, wood);
+    }
+  std::set<long> known = listed;
+  std::vector<long> work(listed.begin(), listed.end());
+  work.insert(work.end(), wanted.begin(), wanted.end());
+  known.insert(wanted.begin(), wanted.end());
+  bddpp_manager* manager = wood->my_bdd_manager();
+  while (!work.empty()) {
+    long v = work.back();
+    work.pop_back();
+    Bddexpression* e = wood->exp_by_index(v);
+    if (!e) continue;
+    std::set<long> used = e->getDependances();
+    if (e->my_bdd_exp().initialised()) {
+      std::set<long> support = manager->set_of_index_depend_on(e->my_bdd_exp());
+      used.insert(support.begin(), support.end());
+    }
+    for (long u : used)
+      if (known.insert(u).second) work.push_back(u);
+  }
+  std::list<std::pair<long, long>> pairs;
+  std::set<long> done = listed;
+  for (long v : known) {
+    if (done.count(v)) continue;
+    SignalRef* ref = m->getSignalManager()->getSignalRefById(v, wood);
+    long over = v, under = -1;
+    if (ref) {
+      over = ref->getOverBddId(wood);
+      under = ref->getUnderBddId(wood);
+    }
+    if (done.count(over) || done.count(under)) {
+      // Half of a pair that a list names: the whole record can't be made again.
+      over = v;
+      under = -1;
+    }
+    done.insert(over);
+    done.insert(under);
+    pairs.push_back({over, under});
+  }
+  return pairs;
 }
 
 }  // namespace
@@ -197,6 +272,21 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
           putPair(over, *it);
         }
       }
+    // Variables that the saved equations or bindings read and that no list names (value
+    // signals made for bindings, say) stand here too: otherwise the reader would not
+    // create them, and their numbers would be -1, which reads as the terminal.
+    for (const auto& [over, under] : unlistedVariables(this, wood)) {
+      numbers.number(over);
+      numbers.number(under);
+      any = true;
+      SignalRef* ref = signalManager->getSignalRefById(over, wood);
+      if (forgetLocals || !ref) {
+        locals << "  V" << numbers.data()[over];
+        continue;
+      }
+      locals << " " << ref->getCurrentName();
+      if (ref->isValued()) locals << " : " << ref->getType();
+    }
     if (any) out << "local:" << locals.str() << ";" << std::endl;
   }
 
@@ -240,7 +330,13 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
   wood->Put_qnc(out, numbers.data(), Compilation::DebugFlag);
   out << "end:" << std::endl << std::endl;
 
-  if (dataTable) printBinding(out, numbers.data());
+  if (dataTable) {
+    // Evaluation numbers of constants belong to one file: a number left by an earlier
+    // writing would point into another table.
+    if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
+      for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) c->setEvalIndex(-1);
+    printBinding(out, numbers.data());
+  }
 
   if (Compilation::GDataTypeTable || Compilation::GDataMethodTable ||
       Compilation::GDataConstantTable) {
@@ -252,8 +348,17 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
     if (Compilation::GDataMethodTable) Compilation::GDataMethodTable->print(out, false);
     if (Compilation::GDataConstantTable) {
       out << "constant:" << std::endl;
+      // "$k" in the evaluation table is a constant index, and the reader numbers the
+      // constants by their place in this section: numbered constants first, by index.
+      std::vector<ConstantDecl*> ordered;
       if (std::list<ConstantDecl*>* list = Compilation::GDataConstantTable->getConstantList())
-        for (ConstantDecl* c : *list) putConstant(out, c);
+        ordered.assign(list->begin(), list->end());
+      std::stable_sort(ordered.begin(), ordered.end(), [](ConstantDecl* a, ConstantDecl* b) {
+        long ka = a->getConstantIndex() < 0 ? LONG_MAX : a->getConstantIndex();
+        long kb = b->getConstantIndex() < 0 ? LONG_MAX : b->getConstantIndex();
+        return ka < kb;
+      });
+      for (ConstantDecl* c : ordered) putConstant(out, c);
     }
     out << "end:" << std::endl << std::endl;
   }

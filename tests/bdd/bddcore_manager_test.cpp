@@ -2,6 +2,7 @@
 // reports, and the independence of results from the signature's widths.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <regex>
 #include <sstream>
 
@@ -255,6 +256,25 @@ TEST(BddManager, CopyConstructorTakesVariablesOnly) {
   EXPECT_EQ(copy.Bdd_total_size(), 5);
   EXPECT_EQ(copy.Map_size(), 3);
   EXPECT_EQ(copy.assoc_table[1], copy.Bdd_var_by_name("b"));
+}
+
+TEST(BddManager, ManyManagersEachKnowTheirNodes) {
+  std::vector<std::unique_ptr<bddpp_manager>> managers;
+  std::vector<bdd> functions;
+  for (int k = 0; k < 200; ++k) {
+    managers.push_back(std::make_unique<bddpp_manager>());
+    bddpp_manager& m = *managers.back();
+    make_vars(m, 4);
+    functions.push_back(m.Bdd_xor(m.Bdd_var_by_index(k % 4), m.Bdd_var_by_index((k + 1) % 4)));
+  }
+  for (int k = 0; k < 200; ++k) {
+    EXPECT_EQ(functions[k].node()->manager(), managers[k].get());
+    EXPECT_EQ(managers[k]->one->manager(), managers[k].get());
+    std::ostringstream line;
+    Print_bdd_node(line, managers[k]->one);
+    EXPECT_EQ(line.str(), std::to_string(managers[k]->one->print_number) + ": -1:-3:-3,1");
+  }
+  functions.clear();
 }
 
 TEST(BddManager, MarksAndSizes) {

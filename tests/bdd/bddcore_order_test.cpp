@@ -123,6 +123,14 @@ class Reference {
     return Ite(Var(Index(f.n)), t, e);
   }
 
+  F Keep(F f, long n) {
+    if (f.n == m_.one) return f;
+    if (Index(f.n) >= n) return One();
+    F t = Keep(Then(f), n);
+    F e = Keep(Else(f), n);
+    return Ite(Var(Index(f.n)), t, e);
+  }
+
   F Replace(F f, const std::vector<long>& map) {
     if (f.n == m_.one) return f;
     F t = Replace(Then(f), map);
@@ -158,7 +166,7 @@ TEST(BddCreationOrder, SameNodesInTheSameOrderAsThePlainRecursions) {
       F fb = sign > 0 ? pool_b[i] : ref.Not(pool_b[i]);
       bdd ra;
       F rb;
-      int op = int(rng() % 9);
+      int op = int(rng() % 10);
       switch (op) {
         case 0: ra = a.Bdd_and(fa, pool_a[j]); rb = ref.And(fb, pool_b[j]); break;
         case 1: ra = a.Bdd_or(fa, pool_a[j]); rb = ref.Or(fb, pool_b[j]); break;
@@ -183,6 +191,10 @@ TEST(BddCreationOrder, SameNodesInTheSameOrderAsThePlainRecursions) {
           ra = a.Bdd_cube_reduce(fa, a.Bdd_not(a.Bdd_var_by_index(v)));
           rb = ref.Literal(fb, v, 0);
           break;
+        case 8:
+          ra = a.Bdd_keep_first_variables(fa, v);
+          rb = ref.Keep(fb, v);
+          break;
         default: {
           std::vector<long> map(kN);
           for (int q = 0; q < kN; ++q) map[q] = q;
@@ -200,6 +212,60 @@ TEST(BddCreationOrder, SameNodesInTheSameOrderAsThePlainRecursions) {
         pool_b.push_back(rb);
         keep_b.push_back(bdd(&b, rb.link, rb.n));
       }
+    }
+  }
+}
+
+// The copy between managers, read plainly: no memo, every path rebuilt.
+F plain_copy(bddpp_manager& target, Reference& ref, bddpp_manager& source, bdd_node* n, const long* translation) {
+  if (n == source.one) return ref.One();
+  long index;
+  if (translation != nullptr) {
+    index = translation[source.index_of_id[n->var_id]];
+  } else {
+    long id = target.Id_var_by_name(source.names[n->var_id]);
+    if (id < 0) id = target.New_node_var_last(source.names[n->var_id])->var_id;
+    index = target.index_of_id[id];
+  }
+  F t = plain_copy(target, ref, source, n->then_node, translation);
+  F e = plain_copy(target, ref, source, n->else_node, translation);
+  if (t.n != target.one && e.n != target.one && index < ref.Index(t.n) && index < ref.Index(e.n)) {
+    int link = 1;
+    return F{target.Find_or_create_bdd_node(index, 1, n->else_link_type, t.n, e.n, link), link};
+  }
+  F v = ref.Var(index);
+  F a = ref.And(v, F{t.n, 1});
+  F b = ref.And(ref.Not(v), F{e.n, n->else_link_type});
+  return ref.Or(a, b);
+}
+
+TEST(BddCreationOrder, CopiesMakeTheNodesOfThePlainCopy) {
+  constexpr int kN = 8;
+  bddpp_manager source;
+  bddtest::make_vars(source, kN);
+  bddtest::Gen gen(source, 77, kN);
+  long reverse[kN];
+  for (int i = 0; i < kN; ++i) reverse[i] = kN - 1 - i;
+  for (int round = 0; round < 12; ++round) {
+    bdd f = gen.random(6).f;
+    for (int by_name = 0; by_name < 2; ++by_name) {
+      bddpp_manager a, b;
+      for (int i = kN - 1; i >= 0; i -= 2) {  // half the names, in another order
+        a.New_var_last("x" + std::to_string(i));
+        b.New_var_last("x" + std::to_string(i));
+      }
+      if (!by_name)
+        for (int i = kN - 2; i >= 0; i -= 2) {
+          a.New_var_last("x" + std::to_string(i));
+          b.New_var_last("x" + std::to_string(i));
+        }
+      Reference ref(b);
+      bdd ca = by_name ? Bdd_isomorphe_by_name(&a, &source, f) : Bdd_isomorphe(&a, &source, f, reverse);
+      F cb = plain_copy(b, ref, source, f.node(), by_name ? nullptr : reverse);
+      ASSERT_EQ(ca.node()->global_id(), cb.n->global_id()) << round << " " << by_name;
+      ASSERT_EQ(a.Bdd_total_size(), b.Bdd_total_size()) << round << " " << by_name;
+      ASSERT_EQ(a.Nb_bdd_vars, b.Nb_bdd_vars);
+      for (long i = 0; i < a.Nb_bdd_vars; ++i) ASSERT_EQ(a.names[i], b.names[i]);
     }
   }
 }

@@ -145,4 +145,18 @@ TEST(ModuleUserType, RestoredFromTheLists) {
   EXPECT_EQ(wood->exp_by_index(wood->Index_var_by_name("_s_qn")), nullptr);
 }
 
+TEST(ModuleClean, LocalsKeepRegistersValuesAndClocks) {
+  Module m("M");
+  local(m, "plain");
+  local(m, "valued", "int");
+  Signal* clock = local(m, "clk");
+  clock->setClock();
+  m.addRegisterDecl("q", 0, "qn");
+  m.createCompileEnv();
+  m.clean_locals();
+  std::vector<std::string> kept;
+  for (Signal* s : *m.getLocalSignalList()) kept.push_back(s->getInternalName());
+  EXPECT_EQ(kept, (std::vector<std::string>{"valued", "clk", "q", "qn"}));
+}
+
 }  // namespace

@@ -317,3 +317,51 @@ TEST(CompileEquations, Emissions) {
 }
 
 }  // namespace
+
+namespace {
+
+const char* Data = "data: Type: int; Constant: int C__1 := 1; end data ";
+
+// Each valued emission has its own clock, true exactly when that emission runs; the
+// signal is the or of both.
+TEST(CompileEquations, ValuedEmissionsDriveTheirClocks) {
+  Module* m = compile_test::compileText(std::string(Data) +
+                                        "module m: Input: x : int; Output: o : int;"
+                                        " emit o($x) || emit o(1) end");
+  ASSERT_NE(m, nullptr);
+  auto* pn = dynamic_cast<Pn*>(m->getStatement());
+  ASSERT_NE(pn, nullptr);
+  auto* e0 = dynamic_cast<Emit*>(pn->getArray()[0]);
+  auto* e1 = dynamic_cast<Emit*>(pn->getArray()[1]);
+  ASSERT_TRUE(e0 && e1 && e0->getClock() && e1->getClock());
+  ASSERT_NE(e0->getClock(), e1->getClock());
+  Algebra a(*m);
+  bdd t0 = a.v("_s_" + e0->getRtl()->getInternalName());
+  bdd t1 = a.v("_s_" + e1->getRtl()->getInternalName());
+  // The clock is the binding's value signal, which stays at occurrence 0.
+  EXPECT_TRUE(e0->getClock()->isValue());
+  EXPECT_EQ(a.rhs("_s_" + e0->getClock()->getInternalName()), t0);
+  EXPECT_EQ(a.rhs("_s_" + e1->getClock()->getInternalName()), t1);
+  EXPECT_EQ(a.rhs("_s_o_1"), a.Or(t0, t1));
+}
+
+// A valued sustain drives its clock with the signal's own driver.
+TEST(CompileEquations, ValuedSustainDrivesItsClock) {
+  Module* m = compile_test::compileText(std::string(Data) +
+                                        "module m: Input: a; Output: o : int;"
+                                        " sustain o(1) until a end");
+  ASSERT_NE(m, nullptr);
+  auto* su = dynamic_cast<SustainUntil*>(m->getStatement());
+  ASSERT_NE(su, nullptr);
+  ASSERT_NE(su->getClock(), nullptr);
+  Algebra a(*m);
+  const std::string n = su->getStatementName();
+  bdd active = a.Or(a.v("_s_ACTIF" + n), a.v("_s_SET" + n));
+  bdd np = a.Or(a.Not(a.v("_s_a")), a.v("_v_a"));
+  // The clock of an output's value is an output: occurrence 0 is the or of occurrence
+  // 1 and the driver of the initial form.
+  const std::string clock = su->getClock()->getInternalName();
+  EXPECT_EQ(a.rhs("_s_" + clock), a.Or(a.v("_s_" + clock + "_1"), a.And(active, np)));
+}
+
+}  // namespace

@@ -234,3 +234,36 @@ TEST(CompileTraceDeathTest, CausalityCycles) {
 }
 
 }  // namespace
+
+namespace {
+
+// A "repeat" copy of the second sequence is named like the eleventh sequence ("Sn_1"
+// + "0" = "Sn_10"), and the two stand in different branches: each keeps its own wires.
+TEST(CompileTrace, CopiesNamedLikeOtherStatementsInOtherBranches) {
+  Module::SequenceNumber = 0;
+  std::string branches = "{ pause >> pause } || { repeat 2 { pause >> pause } }";
+  for (int i = 0; i < 8; i++) branches += " || { pause >> pause }";
+  Module* m = compileText("module m: Output: o; { " + branches + " } >> emit o end");
+  ASSERT_NE(m, nullptr);
+  std::vector<Statement*> named;
+  std::vector<Statement*> todo = {m->getStatement()};
+  while (!todo.empty()) {
+    Statement* s = todo.back();
+    todo.pop_back();
+    if (s->getStatementName() == "mSn_10") named.push_back(s);
+    if (auto* sn = dynamic_cast<Sn*>(s))
+      for (int i = 0; i < sn->getCount(); i++) todo.push_back(sn->getArray()[i]);
+    if (auto* pn = dynamic_cast<Pn*>(s))
+      for (int i = 0; i < pn->getCount(); i++) todo.push_back(pn->getArray()[i]);
+  }
+  ASSERT_EQ(named.size(), 2u);
+  EXPECT_NE(named[0]->getSet()->getInternalName(), named[1]->getSet()->getInternalName());
+  EXPECT_NE(named[0]->getRtl()->getInternalName(), named[1]->getRtl()->getInternalName());
+  Reactor r(m);
+  for (int i = 1; i <= 4; i++) EXPECT_EQ(r.react({}), "") << "reaction " << i;
+  EXPECT_EQ(r.react({}), "o");
+  EXPECT_EQ(r.react({}), "");
+  EXPECT_FALSE(r.unknownRead);
+}
+
+}  // namespace

@@ -1,0 +1,367 @@
+// The C target: a header and a code file that define the step function of a finalized
+// module, its initialisation and its global state.
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <set>
+
+#include "bdd/bddpp.h"
+#include "data/data.h"
+#include "driver/compilation.h"
+#include "equations/Bddexpression.h"
+#include "model/module.h"
+#include "signals/signal_manager.h"
+#include "targets/formats.h"
+
+namespace {
+
+using NameOf = std::function<std::string(long var_id)>;
+
+// One assignment per node into the array, children first; marked nodes were written
+// earlier in this step.
+void Print_nodes(bddpp_manager* manager, const std::string& or_op, const std::string& and_op,
+                 const std::string& not_op, const std::string& close_not, const std::string& var_prefix,
+                 const std::string& var_suffix, const std::string& zero, const std::string& end_of_line,
+                 const std::string& node_array, std::ostream& out, bdd_node* n, bdd_node* terminal,
+                 const NameOf& name_of) {
+  if (!n || n->mark) return;
+  n->mark = 1;
+  if (n == terminal) {
+    out << "   " << node_array << "[" << n->global_id() << "]= " << not_op << zero << close_not;
+  } else if (n->then_node == terminal && n->else_node == terminal && n->else_link_type == -1) {
+    out << "  " << node_array << "[" << n->global_id() << "]= " << var_prefix << name_of(n->var_id) << var_suffix;
+  } else {
+    Print_nodes(manager, or_op, and_op, not_op, close_not, var_prefix, var_suffix, zero, end_of_line, node_array,
+                out, n->then_node, terminal, name_of);
+    Print_nodes(manager, or_op, and_op, not_op, close_not, var_prefix, var_suffix, zero, end_of_line, node_array,
+                out, n->else_node, terminal, name_of);
+    const std::string name = name_of(n->var_id);
+    out << "  " << node_array << "[" << n->global_id() << "]= " << var_prefix << name << var_suffix << and_op
+        << node_array << "[" << n->then_node->global_id() << "]";
+    if (n->else_node) {
+      out << or_op << not_op << var_prefix << name << var_suffix << close_not << and_op;
+      if (n->else_link_type == 1)
+        out << node_array << "[" << n->else_node->global_id() << "]";
+      else
+        out << not_op << node_array << "[" << n->else_node->global_id() << "]" << close_not;
+    }
+  }
+  out << end_of_line << "\n";
+}
+
+// The step reads an output back through its pointer parameter.
+std::string read_name(const std::string& name, std::list<std::string>& pointer_wires) {
+  return item_in(pointer_wires, name) ? "(*" + name + ")" : name;
+}
+
+bool has_id(long id) { return id >= 0; }
+
+}  // namespace
+
+void bddpp_manager::Print_node_for_eval(const std::string& or_op, const std::string& and_op,
+                                        const std::string& not_op, const std::string& close_not,
+                                        const std::string& var_prefix, const std::string& var_suffix,
+                                        const std::string& zero, const std::string& end_of_line,
+                                        const std::string& node_array, std::ostream& out, bdd_node* n) {
+  Print_nodes(this, or_op, and_op, not_op, close_not, var_prefix, var_suffix, zero, end_of_line, node_array, out,
+              n, one, [this](long id) { return Name_var_by_id(id); });
+}
+
+void Bddexpression::put_c(std::ostream& out, const std::string& node_array, std::list<std::string>& pointer_wires) {
+  if (!variable.initialised() || !right.initialised()) return;
+  bddpp_manager* manager = right.manager_ref();
+  const std::string w = manager->Name_var_by_bdd(variable);
+  const std::string left = item_in(pointer_wires, w) ? "  *" + w : "   " + w;
+  if (manager->Bdd_is_var(right)) {
+    out << left << "= " << read_name(manager->Name_var_by_bdd(right), pointer_wires) << ";";
+    return;
+  }
+  bdd_node* terminal = manager->Bdd_one().node();
+  Print_nodes(manager, " || ", " && ", "!", "", "", "", "0", ";", node_array, out, right.node(), terminal,
+              [&](long id) { return read_name(manager->Name_var_by_id(id), pointer_wires); });
+  out << left << (right.link_type() == 1 ? "= " : "= !") << node_array << "[" << right.node()->global_id()
+      << "];";
+}
+
+void Bddexpressionwood::Put_c(std::ostream& out, const std::string& node_array,
+                              std::list<std::string>& pointer_wires) {
+  manager->Bdd_global_clear_marks();
+  for (long id : earliest_sort()) {
+    Bddexpression* e = exp_by_index(id);
+    if (!e) continue;
+    e->put_c(out, node_array, pointer_wires);
+    out << "\n";
+  }
+}
+
+void Module::C_put_equation(std::ostream& code, const std::string& node_array,
+                            std::list<std::string>& pointer_wires) {
+  Bddexpressionwood* wood = getBddWood();
+  if (!wood) return;
+  wood->my_bdd_manager()->Bdd_global_clear_marks();
+  for (long id : wood->earliest_sort()) {
+    Bddexpression* e = wood->exp_by_index(id);
+    if (!e) continue;
+    SignalRef* ref = signalManager->getSignalRefById(id, wood);
+    const std::string signal_name = ref ? ref->getCurrentName() : e->my_bddname();
+    if (e->getAbstraction()) {
+      DataBinding* b = ref ? getBinding(signal_name) : nullptr;
+      if (!b) {
+        std::cerr << "***error: abstract equation without bindind for:" << signal_name << std::endl;
+        exit(1);
+      }
+      code << "  " << e->my_bddname() << " = ";
+      b->getValue()->C_put(code, this);
+      code << ";" << "\n";
+      continue;
+    }
+    e->put_c(code, node_array, pointer_wires);
+    code << "\n";
+    DataBinding* b = ref ? getBinding(signal_name) : nullptr;
+    if (!b || !b->getClock()) continue;
+    Signal* clock = b->getClock();
+    const std::string s = clock->isOutput() ? "*" : "";
+    const std::string c = wood->Name_var_by_index(clock->getInitialOverBddId(this, wood));
+    const std::string t = b->getSignal()->getValueType(this);
+    code << "   if (" << e->my_bddname() << ") " << "\n";
+    code << "   {" << "\n";
+    code << "         " << s << c << "_val = copy_" << t << "(";
+    b->getValue()->C_put(code, this);
+    code << ")" << ";" << "\n";
+    code << "   }" << "\n";
+  }
+}
+
+void Module::C_put(std::ostream& code, std::ostream& header) {
+  const std::string& m = name;
+  code << "#include \"" << m << ".h\"" << "\n" << "#define false 0" << "\n" << "#define true (!false)" << "\n"
+       << "\n";
+  header << "#ifndef " << m << "_H" << "\n" << "#define " << m << "_H" << "\n";
+  if (Compilation::GDataTypeTable) {
+    for (const auto& entry : Compilation::GDataTypeTable->getTypeTable())
+      header << "#include \"C_data_user_" << entry.first << ".h\"" << "\n";
+    Compilation::GDataTypeTable->C_put(header);
+  }
+  if (Compilation::GDataMethodTable) Compilation::GDataMethodTable->C_put(header);
+  if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
+    for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) {
+      std::ostream& out = c->getValueTable() ? code : header;
+      c->C_put(out, this);
+      out << "\n";
+    }
+
+  Bddexpressionwood* wood = getBddWood();
+  if (!wood) {
+    header << "#endif\n";
+    return;
+  }
+  auto wire = [&](long id) { return wood->Name_var_by_index(id); };
+  std::list<regclass*> registers = registerList ? *registerList : std::list<regclass*>();
+  std::list<memorizedSignal*> pres = preList ? *preList : std::list<memorizedSignal*>();
+  std::list<Signal*> inputs = inputList ? *inputList : std::list<Signal*>();
+  std::list<Signal*> outputs = outputList ? *outputList : std::list<Signal*>();
+  std::list<Signal*> locals = localList ? *localList : std::list<Signal*>();
+
+  if (!registers.empty()) {
+    code << "/* global state variables */" << "\n" << "int ";
+    bool first = true;
+    for (regclass* r : registers) {
+      if (!first) code << "," << "\n" << "    ";
+      first = false;
+      code << wire(r->actual_var()->getOverBddId(this, wood));
+    }
+    code << ";" << "\n" << "\n";
+  }
+  if (!pres.empty()) {
+    code << "/* global pre variables */" << "\n";
+    for (memorizedSignal* p : pres) {
+      Signal* pre = p->getPre();
+      code << "int " << m << "_" << pre->getOriginalName() << ";" << "\n";
+      if (pre->isValued(this))
+        code << pre->getValueType(this) << " " << m << "_" << pre->getOriginalName() << "_val;" << "\n";
+    }
+    code << "\n";
+  }
+
+  header << "extern void " << m << "_reset_automaton();" << "\n";
+  code << "void " << m << "_reset_automaton()" << "{" << "\n";
+  if (!registers.empty()) {
+    code << "  /* global state variables initialisation */" << "\n";
+    for (regclass* r : registers)
+      code << "  " << wire(r->actual_var()->getOverBddId(this, wood)) << "= " << r->is_initialy_true() << ";"
+           << "\n";
+  }
+  if (!pres.empty()) {
+    code << "  /* pre variables initialisation */" << "\n";
+    for (memorizedSignal* p : pres) {
+      Signal* pre = p->getPre();
+      const std::string& pn = pre->getOriginalName();
+      code << "  " << m << "_" << pn << "= 0;" << "\n";
+      if (pre->isValued(this) && has_id(pre->getOverBddId(this, wood))) {
+        const std::string t = pre->getValueType(this);
+        code << "  " << m << "_" << pn << "_val = copy_" << t << "(" << p->getInitialValue() << ");" << "\n";
+      }
+    }
+    code << "\n";
+  }
+  code << "}" << "\n" << "\n";
+
+  // The step function's parameters.
+  code << "void " << m << "_automaton(";
+  header << "extern void " << m << "_automaton(";
+  std::list<std::string> pointer_wires;
+  bool first = true;
+  auto input_parameter = [&](const std::string& w, Signal* s) {
+    if (first) {
+      code << "int ";
+      header << "int ";
+    } else {
+      code << ", int ";
+      header << ", int  ";
+    }
+    first = false;
+    code << w;
+    header << w;
+    if (s->isValued(this)) {
+      const std::string t = s->getValueType(this);
+      code << ", " << t << " " << w << "_val";
+      header << ", " << t << " " << w << "_val";
+    }
+  };
+  auto output_parameter = [&](const std::string& w, Signal* s) {
+    const std::string sep = first ? "int* " : ", int*";
+    first = false;
+    code << sep << w;
+    header << sep << w;
+    if (s->isValued(this)) {
+      const std::string t = s->getValueType(this);
+      code << ", " << t << "* " << w << "_val";
+      header << ", " << t << "* " << w << "_val";
+    }
+    pointer_wires.push_back(w);
+  };
+  auto bound = [&](Signal* s) { return getBinding(s->getOriginalName()) != nullptr; };
+  for (Signal* s : inputs) {
+    long over = s->getOverBddId(this, wood);
+    if (!has_id(over) || bound(s)) continue;
+    input_parameter(wire(over), s);
+    long under = s->getUnderBddId(this, wood);
+    if (!finalised && has_id(under)) input_parameter(wire(under), s);
+  }
+  for (Signal* s : outputs) {
+    long over = s->getInitialOverBddId(this, wood);
+    if (!has_id(over) || bound(s)) continue;
+    output_parameter(wire(over), s);
+    long under = s->getInitialUnderBddId(this, wood);
+    if (!finalised && has_id(under)) output_parameter(wire(under), s);
+  }
+  code << ")" << "\n" << "{" << "\n";
+  header << ");" << "\n";
+
+  // Locals of the step.
+  std::set<long> used = wood->Set_of_index_used_variables();
+  for (Signal* s : inputs)
+    if (has_id(s->getOverBddId(this, wood))) used.erase(s->getInitialOverBddId(this, wood));
+  for (memorizedSignal* p : pres)
+    if (has_id(p->getPre()->getOverBddId(this, wood))) used.erase(p->getPre()->getInitialOverBddId(this, wood));
+  for (Signal* s : outputs)
+    if (has_id(s->getOverBddId(this, wood))) used.erase(s->getInitialOverBddId(this, wood));
+  for (regclass* r : registers) used.erase(r->actual_var()->getOverBddId(this, wood));
+  if (!finalised)
+    for (Signal* s : outputs)
+      if (has_id(s->getUnderBddId(this, wood))) used.erase(s->getInitialUnderBddId(this, wood));
+  for (long id : used)
+    if (id >= 0) code << "  int " << wire(id) << ";" << "\n";
+  for (Signal* s : locals) {
+    long over = s->getInitialOverBddId(this, wood);
+    if (!has_id(over) || !s->isValued(this) || getBinding(s->getName(this))) continue;
+    const std::string t = s->getValueType(this);
+    code << "  " << t << " " << wire(over) << "_val" << " = copy_" << t << "(zero_" << t << ");" << "\n";
+  }
+  code << "  int " << m << "_node" << "[" << wood->my_bdd_manager()->Bdd_total_size() << "];" << "\n";
+  for (Signal* s : outputs) {
+    long over = s->getInitialOverBddId(this, wood);
+    if (!has_id(over) || bound(s) || !s->isValued(this)) continue;
+    const std::string t = s->getValueType(this);
+    code << "  *" << wire(over) << "_val = " << "copy_" << t << "(zero_" << t << ");" << "\n";
+  }
+  if (!pres.empty()) {
+    for (memorizedSignal* p : pres) {
+      Signal* pre = p->getPre();
+      const std::string& pn = pre->getOriginalName();
+      code << "  int " << pn << "= " << m << "_" << pn << ";" << "\n";
+      if (pre->isValued(this)) {
+        const std::string t = pre->getValueType(this);
+        code << "  " << t << " " << pn << "_val= copy_" << t << "(" << m << "_" << pn << "_val);" << "\n";
+      }
+    }
+    code << "\n";
+  }
+  for (Signal* s : inputs) {
+    long over = s->getOverBddId(this, wood);
+    if (!has_id(over) || bound(s) || !s->isValued(this)) continue;
+    const std::string w = wire(over), t = s->getValueType(this);
+    code << "  if (" << w << " == 0)" << "\n" << "     {" << "\n"
+         << "          " << w << "_val= " << "copy_" << t << "(zero_" << t << ");" << "\n"
+         << "     }" << "\n";
+  }
+
+  code << "  " << " /* outputs computing */" << "\n";
+  C_put_equation(code, m + "_node", pointer_wires);
+
+  // A valued output that stayed absent carries the zero of its type.
+  std::map<std::string, Signal*> clocks;
+  for (Signal* s : outputs) {
+    std::list<DataBinding*>* bindings = getDataBindingByClock(s);
+    if (bindings && !bindings->empty()) clocks[s->getInternalName()] = s;
+    delete bindings;
+  }
+  for (auto& [x, s] : clocks) {
+    const std::string t = s->getValueType(this);
+    code << "   if (! *" << x << ")" << "\n" << "   {" << "\n"
+         << "      *" << x << "_val = copy_" << t << "(zero_" << t << ");" << "\n" << "   }" << "\n";
+  }
+
+  if (!registers.empty()) {
+    code << "\n" << "  " << "/* refresh registers */" << "\n";
+    for (regclass* r : registers)
+      code << "  " << wire(r->actual_var()->getOverBddId(this, wood)) << "= "
+           << wire(r->next_var()->getOverBddId(this, wood)) << ";" << "\n";
+    code << "\n";
+  }
+  if (!pres.empty()) {
+    code << "  /* refresh global pre variables */" << "\n";
+    for (memorizedSignal* p : pres) {
+      Signal* pre = p->getPre();
+      Signal* a = p->getActual();
+      const std::string& pn = pre->getOriginalName();
+      const std::string r = a->isLocal() ? wire(a->getInitialOverBddId(this, wood)) : a->getOriginalName();
+      const std::string prefix = a->isOutput() ? "*" : "";
+      code << "  " << m << "_" << pn << "= " << prefix << r << ";" << "\n";
+      if (pre->isValued(this))
+        code << "  " << m << "_" << pn << "_val= copy_" << pre->getValueType(this) << "(" << prefix << r
+             << "_val);" << "\n";
+    }
+    code << "\n";
+  }
+  code << "}" << "\n" << "\n";
+  header << "#endif\n";
+}
+
+void Module::printC() {
+  std::string code_name, header_name;
+  if (OutputFile.empty()) {
+    code_name = name + ".c";
+    header_name = name + ".h";
+  } else if (OutputFile.find(".c") != std::string::npos) {
+    code_name = OutputFile;
+    header_name = OutputFile.substr(0, OutputFile.size() >= 2 ? OutputFile.size() - 2 : 0) + ".h";
+  } else {
+    code_name = OutputFile + ".c";
+    header_name = OutputFile + ".h";
+  }
+  std::ofstream code(code_name);
+  std::ofstream header(header_name);
+  C_put(code, header);
+}

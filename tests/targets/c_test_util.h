@@ -1,0 +1,72 @@
+// Hand-built modules for the finalization and C writer tests.
+#pragma once
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "bdd/bddpp.h"
+#include "driver/compilation.h"
+#include "equations/Bddexpression.h"
+#include "model/module.h"
+#include "signals/signal_manager.h"
+
+namespace c_test {
+
+inline const bool kBatch = (setenv("QUARN_BATCH", "1", 1), true);
+
+inline Signal* input(Module& m, const std::string& name) {
+  Signal* s = new Signal(name, &m, m.getBddWood());
+  s->setInput();
+  m.addInputSignal(s);
+  return s;
+}
+
+inline Signal* output(Module& m, const std::string& name) {
+  Signal* s = new Signal(name, &m, m.getBddWood());
+  s->setOutput();
+  m.addOutputSignal(s);
+  return s;
+}
+
+inline Signal* local(Module& m, const std::string& name) {
+  Signal* s = new Signal(name, &m, m.getBddWood());
+  s->setLocal();
+  m.addLocalSignal(s);
+  return s;
+}
+
+inline bdd over(Module& m, Signal* s) { return s->getOverBdd(&m, m.getBddWood()); }
+inline bdd under(Module& m, Signal* s) { return s->getUnderBdd(&m, m.getBddWood()); }
+
+// over(s) = f and under(s) = not f in the current occurrence, as an emission gives.
+inline void drive(Module& m, Signal* s, const bdd& f, int type = Compilation::STAT) {
+  Bddexpressionwood* w = m.getBddWood();
+  new Bddexpression(s->getInternalName(), w, over(m, s), f, 0, 0, type);
+  new Bddexpression(s->getInternalName(), w, under(m, s), w->Bdd_not(f), 0, 0, type + 1);
+}
+
+// By the variable's present name (finalization renames variables).
+inline long index_named(Module& m, const std::string& var_name) {
+  Bddexpressionwood* w = m.getBddWood();
+  for (long i = 0; i < w->my_bdd_manager()->Nb_bdd_vars; i++)
+    if (w->Name_var_by_index(i) == var_name) return i;
+  return -1;
+}
+
+inline Bddexpression* equation(Module& m, const std::string& var_name) {
+  long i = index_named(m, var_name);
+  return i >= 0 ? m.getBddWood()->exp_by_index(i) : nullptr;
+}
+
+struct Texts {
+  std::string code, header;
+};
+
+inline Texts c_text(Module& m) {
+  std::ostringstream code, header;
+  m.C_put(code, header);
+  return {code.str(), header.str()};
+}
+
+}  // namespace c_test
