@@ -103,7 +103,7 @@ void Run::compile(Module* module, EquationTable* table) {
     if (!fromSource) {
       if (!m)
         Compilation::fatal("Run call error: compiled called module declared but not provided: " +
-                   moduleName);
+                           moduleName);
       setModule(m);
       if (!Compilation::QncModTable) Compilation::QncModTable = new ModuleTable();
       Compilation::QncModTable->add(m);
@@ -116,12 +116,14 @@ void Run::compile(Module* module, EquationTable* table) {
 
   if (!this->module) {
     m = Compilation::ModTable ? Compilation::ModTable->get(moduleName) : nullptr;
-    if (!m) Compilation::fatal("Error in Run call: called module  not defined in file " + moduleName);
+    if (!m)
+      Compilation::fatal("Error in Run call: called module  not defined in file " + moduleName);
     setModule(m);
   }
   Module* called = this->module;
   if (!called) {
-    std::cerr << "***error:" << "Run  module:" << moduleName << "  not set\n";
+    std::cerr << "***error:"
+              << "Run  module:" << moduleName << "  not set\n";
     return;
   }
 
@@ -130,8 +132,8 @@ void Run::compile(Module* module, EquationTable* table) {
   static std::multiset<Module*> callers;
   if (called == module || callers.count(called))
     Compilation::fatal("Error in Run call: module " + moduleName + " runs itself");
-  instance = new std::string("__" + moduleName + "_i" +
-                             std::to_string(called->incrCurrentInstance()));
+  instance =
+      new std::string("__" + moduleName + "_i" + std::to_string(called->incrCurrentInstance()));
   callers.insert(module);
   if (!called->getSet()) called->compile();
   callers.erase(callers.find(module));

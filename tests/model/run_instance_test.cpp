@@ -30,8 +30,8 @@ namespace {
 
 // A scratch copy of the run cases' files.
 fs::path scratchCopy() {
-  fs::path dir = fs::temp_directory_path() / ("quarn_run_" + std::to_string(getpid()) + "_" +
-                                              std::to_string(rand()));
+  fs::path dir = fs::temp_directory_path() /
+                 ("quarn_run_" + std::to_string(getpid()) + "_" + std::to_string(rand()));
   fs::create_directories(dir);
   fs::copy(fs::path(QUARN_SOURCE_DIR) / "tests/e2e/run", dir, fs::copy_options::recursive);
   return dir;
@@ -192,7 +192,8 @@ TEST(RunInstance, NamesAndConnections) {
 // the run renamed is the caller's, never a copy under the suffix.
 TEST(RunInstance, WoodOfTheCaller) {
   fs::path dir = scratchCopy();
-  Outcome o = inChild(dir, [](std::ostream& out) { printWood(parseAndCompile("same.qn", "top"), out); });
+  Outcome o =
+      inChild(dir, [](std::ostream& out) { printWood(parseAndCompile("same.qn", "top"), out); });
   ASSERT_EQ(o.status, 0);
   const auto& l = o.lines;
   EXPECT_TRUE(has(l, "L__sub_i0"));
@@ -294,8 +295,8 @@ TEST(RunInstance, CompilesWithoutLostNames) {
     const char* file;
     const char* module;
   } cases[] = {
-      {"same.qn", "top"},         {"same.qn", "twice"},        {"top.qn", "twice"},
-      {"nested.qn", "nest"},      {"branches.qn", "branches"}, {"branches.qn", "looped"},
+      {"same.qn", "top"},      {"same.qn", "twice"},        {"top.qn", "twice"},
+      {"nested.qn", "nest"},   {"branches.qn", "branches"}, {"branches.qn", "looped"},
       {"nested.qn", "prerun"},
   };
   for (const Case& c : cases) {
@@ -344,7 +345,8 @@ TEST(RunInstance, RecursiveRunIsReported) {
 // A run in each branch of a test: two instances, compiled in two tables and joined.
 TEST(RunInstance, BranchesKeepBothInstances) {
   fs::path dir = scratchCopy();
-  Outcome o = inChild(dir, [](std::ostream& out) { printWood(parseAndCompile("branches.qn", "branches"), out); });
+  Outcome o = inChild(
+      dir, [](std::ostream& out) { printWood(parseAndCompile("branches.qn", "branches"), out); });
   ASSERT_EQ(o.status, 0);
   EXPECT_GT(countContaining(o.lines, "L__sub_i0"), 0u);
   EXPECT_GT(countContaining(o.lines, "L__sub_i1"), 0u);
@@ -385,7 +387,8 @@ TEST(RunInstance, SameWoodFromCompiledFile) {
     SCOPED_TRACE(name);
     fs::path dir = scratchCopy();
     std::string main = name;
-    Outcome same = inChild(dir, [&](std::ostream& out) { printCircuit(parseAndCompile("same.qn", main), out); });
+    Outcome same = inChild(
+        dir, [&](std::ostream& out) { printCircuit(parseAndCompile("same.qn", main), out); });
     Outcome saved = inChild(dir, [](std::ostream&) {
       Module* sub = parseAndCompile("sub.qn", "sub");
       Module::OutputDir = ".";
@@ -411,7 +414,8 @@ TEST(RunInstance, SameWoodFromCompiledFile) {
 // binding, gives the circuit that its source gives.
 TEST(RunInstance, NestedFromCompiledFile) {
   fs::path dir = scratchCopy();
-  Outcome same = inChild(dir, [](std::ostream& out) { printCircuit(parseAndCompile("nested.qn", "nest"), out); });
+  Outcome same = inChild(
+      dir, [](std::ostream& out) { printCircuit(parseAndCompile("nested.qn", "nest"), out); });
   Outcome saved = inChild(dir, [](std::ostream&) {
     Module* mid = parseAndCompile("nested.qn", "mid");
     Module::OutputDir = ".";
