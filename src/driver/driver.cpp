@@ -253,7 +253,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   }
   if (Compilation::SaveFlag) {
     std::cerr << "\n**** Save " << shownQncName(name, Module::OutputFile) << "\n\n";
-    // TODO(model): mainModule->save();
+    mainModule->save();
   }
   if (Compilation::DebugFlag) {
     // TODO(model): mainModule->printDebug();

@@ -87,6 +87,9 @@ void checkAwaited(std::list<Signal*>& signals, std::list<std::string>* awaited, 
 %type <strs> argument_list
 %type <assigns> constant_assign_list
 
+%destructor { delete $$; } <nums> <strs> <couple> <assigns>
+%destructor { if ($$) delete $$->arguments; delete $$; } <eval>
+
 %start module_compile
 
 %%
@@ -104,17 +107,15 @@ module_compile
     register_declarations
       {
         Module* m = P()->module;
-        m->setInputSignalList(new std::list<Signal*>(P()->inputs));
-        m->setOutputSignalList(new std::list<Signal*>(P()->outputs));
-        m->setDataSignalList(new std::list<Signal*>(P()->datas));
-        m->setLocalSignalList(new std::list<Signal*>(P()->locals));
-        m->setRegisterList(P()->registers);
+        *m->getInputSignalList() = P()->inputs;
+        *m->getOutputSignalList() = P()->outputs;
+        *m->getDataSignalList() = P()->datas;
+        *m->getLocalSignalList() = P()->locals;
       }
     memorized_declarations connexion_declarations wood_declaration binding_declaration
     data_declaration
       {
         Module* m = P()->module;
-        m->setPreSignalList(P()->memorized);
         m->setReincarnate(P()->reincarnate != 0);
         m->setFinalised(P()->finalised != 0);
         if (P()->binding_read) {
@@ -211,8 +212,7 @@ register
         if (next && actual) {
           next->setRegister();
           actual->setRegister();
-          if (!P()->registers) P()->registers = new std::list<regclass*>();
-          P()->registers->push_back(new regclass(actual, next, $3 != 0));
+          P()->module->getRegisterList()->push_back(new regclass(actual, next, $3 != 0));
         }
         P()->qnc_debuger_law(1, "register");
       }
@@ -221,8 +221,10 @@ initial_value
   : TOKEN_NUMBER
       {
         $$ = $1;
-        if ($1 > 1)
+        if ($1 > 1) {
           fl_show_Smessages("Warning: Boolean value expected to initialize register value\n");
+          std::cerr << "Warning: Boolean value expected to initialize register value\n";
+        }
       }
   ;
 
@@ -249,8 +251,7 @@ memorized
         }
         if (actual->isValued(P()->module, P()->wood))
           pre->setValueType(actual->getValueType(P()->module, P()->wood), P()->module, P()->wood);
-        if (!P()->memorized) P()->memorized = new std::list<memorizedSignal*>();
-        P()->memorized->push_back(new memorizedSignal(pre, actual, $3 ? *$3 : ""));
+        P()->module->getPreSignalList()->push_back(new memorizedSignal(pre, actual, $3 ? *$3 : ""));
         P()->qnc_debuger_law(1, "memorized");
       }
   ;
@@ -440,7 +441,18 @@ constant
       }
   ;
 constant_string
-  : TOKEN_CHAINE_CARACTERES { $$ = P()->keep($1->substr(1, $1->size() - 2)); }
+  : TOKEN_CHAINE_CARACTERES
+      {
+        // Between the quotes, \" and \\ stand for a double quote and a backslash; any
+        // other backslash is itself.
+        std::string text;
+        for (size_t i = 1; i + 1 < $1->size(); i++) {
+          char c = (*$1)[i];
+          if (c == '\\' && i + 2 < $1->size() && ((*$1)[i + 1] == '"' || (*$1)[i + 1] == '\\')) c = (*$1)[++i];
+          text += c;
+        }
+        $$ = P()->keep(text);
+      }
   ;
 constant_assign_list
   : %empty { $$ = new std::map<int, const std::string*>(); }

@@ -178,6 +178,11 @@ bool class_qnc_parser::bddexpression_convert(Bddexpressionwood* w, long early, l
     std::cerr << "line " << qnc_current_line() << ": " << what << std::endl;
     return false;
   };
+  // Dates are sums of weights along paths; a number far out of that range is damage and
+  // would overflow the dating.
+  const long dateBound = 1000000000L;
+  if (early < -dateBound || early > dateBound || late < -dateBound || late > dateBound)
+    return bad("date out of range");
   if (variable < 0 || variable >= manager->Nb_bdd_vars)
     return bad("equation of an unknown variable " + std::to_string(variable));
   if (node == -3) {
@@ -297,14 +302,22 @@ Module* Compilation::qnc_parse(const std::string& file, std::string* instance, s
   std::ostream nowhere(nullptr);
   std::ostream& log = logFile.is_open() ? static_cast<std::ostream&>(logFile) : nowhere;
   qncFlexLexer scanner(&in, &log);
-  class_qnc_parser parser(&scanner, &log);
+  // The parser's records (signals, nodes, a module left half made by an error) live for
+  // the run, as everything the parsers build.
+  static auto* parsers = new std::list<class_qnc_parser*>();
+  class_qnc_parser* parser = new class_qnc_parser(&scanner, &log);
+  parsers->push_back(parser);
   std::list<std::string> noNames;
-  parser.inputNames = inputNames ? inputNames : &noNames;
-  parser.outputNames = outputNames ? outputNames : &noNames;
-  int result = parser.parse(log, 1, instance ? *instance : "", second ? *second : "");
+  parser->inputNames = inputNames ? inputNames : &noNames;
+  parser->outputNames = outputNames ? outputNames : &noNames;
+  int result = parser->parse(log, 1, instance ? *instance : "", second ? *second : "");
+  parser->inputNames = parser->outputNames = nullptr;
+  parser->scanner = nullptr;
+  parser->log = nullptr;
+  pqnc_parser = nullptr;
   if (result != 0) {
     std::cerr << "ERROR during loading file : " << file << std::endl;
     return nullptr;
   }
-  return parser.module;
+  return parser->module;
 }

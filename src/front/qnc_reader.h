@@ -117,8 +117,6 @@ class class_qnc_parser {
   binding_declaration_parse bindings;
   bool binding_read = false;
   std::list<Signal*> inputs, outputs, datas, locals, section;
-  std::list<regclass*>* registers = nullptr;
-  std::list<memorizedSignal*>* memorized = nullptr;
   std::list<evalnodeparse*> pending_eval;
 
  private:

@@ -58,13 +58,16 @@ const char* languageLabel(int language) {
   return nullptr;
 }
 
-// The reader's string token takes printable ASCII without '"', '@', '[', ']', '^', '|'
-// and at least one character; anything else can't be written as a value.
-bool readableString(const std::string& s) {
-  if (s.empty()) return false;
-  for (unsigned char c : s)
-    if (c < 32 || c > 126 || c == '"' || c == '@' || c == '[' || c == ']' || c == '^' || c == '|')
-      return false;
+// A value between double quotes: a double quote and a backslash are escaped by a
+// backslash. A line end can't stand in the file.
+bool quoted(const std::string& s, std::string& out) {
+  out = "\"";
+  for (char c : s) {
+    if (c == '\n' || c == '\r') return false;
+    if (c == '"' || c == '\\') out += '\\';
+    out += c;
+  }
+  out += '"';
   return true;
 }
 
@@ -84,10 +87,10 @@ void putConstant(std::ostream& out, ConstantDecl* c) {
       out << label;
       if (!literal) continue;
       const std::string& text = static_cast<DataValue*>(value)->getText();
-      if (!readableString(text))
-        Compilation::fatal("constant " + c->getName() + ": value \"" + text +
-                           "\" can't be saved in a compiled module");
-      out << " \"" << text << "\"";
+      std::string field;
+      if (!quoted(text, field))
+        Compilation::fatal("constant " + c->getName() + ": a value on several lines can't be saved in a compiled module");
+      out << " " << field;
     }
   }
   out << ";" << std::endl;
@@ -166,6 +169,20 @@ std::list<std::pair<long, long>> unlistedVariables(Module* m, Bddexpressionwood*
 }
 
 }  // namespace
+
+static void forgetEvaluationNumbers(DataExpr* e) {
+  if (!e) return;
+  e->DataExpr::setIndex(-1);
+  if (auto* call = dynamic_cast<DataMethodCall*>(e)) {
+    if (call->getArgList())
+      for (DataExpr* a : *call->getArgList()) forgetEvaluationNumbers(a);
+  } else if (auto* binary = dynamic_cast<DataBinaryOp*>(e)) {
+    forgetEvaluationNumbers(binary->getLeft());
+    forgetEvaluationNumbers(binary->getRight());
+  } else if (auto* unary = dynamic_cast<DataUnaryOp*>(e)) {
+    forgetEvaluationNumbers(unary->getOperand());
+  }
+}
 
 // A comment runs to the line end: the documentation of an equation must stay on one line.
 static std::string oneLine(std::string s) {
@@ -335,6 +352,9 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
     // writing would point into another table.
     if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
       for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) c->setEvalIndex(-1);
+    // So are those of the value trees: an argument still numbered by an earlier writing
+    // would be written in place, and the table would no longer be flat.
+    for (const auto& [bound, binding] : *dataTable) forgetEvaluationNumbers(binding->getValue());
     printBinding(out, numbers.data());
   }
 

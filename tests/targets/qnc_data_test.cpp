@@ -16,6 +16,10 @@
 #include "model/module.h"
 #include "signals/signal_manager.h"
 
+// A run frees nothing by design (modules, signals and data trees live until the end), so
+// leak reports at the exit of a test process say nothing about the reader.
+extern "C" const char* __asan_default_options() { return "detect_leaks=0"; }
+
 namespace {
 
 const bool kBatch = (setenv("QUARN_BATCH", "1", 1), true);
@@ -53,8 +57,8 @@ Module* readBack(const std::string& name, const std::string& text) {
   return Compilation::qnc_parse(toFile(name, text), Compilation::EmptyString, nullptr, nullptr);
 }
 
+// Fresh run tables with one type, one method and two constants.
 void ensureTables() {
-  if (Compilation::GDataTypeTable) return;
   Compilation::GDataTypeTable = new DataTypeTable();
   Compilation::GDataTypeTable->addType("int");
   Compilation::GDataMethodTable = new DataMethodTable();
@@ -87,7 +91,6 @@ Signal* declare(Module& m, const std::string& name, bool input, const std::strin
 // Inputs A, B : int; a local V bound with clock A to plus(zero, ?B), a local W bound to
 // ?B + zero.
 Module* dataModule() {
-  ensureTables();
   Module* m = new Module("D");
   Signal* a = declare(*m, "A", true);
   Signal* b = declare(*m, "B", true, "int");
@@ -103,8 +106,11 @@ Module* dataModule() {
 }
 
 TEST(QncData, BindingsAndTablesReadBack) {
+  ensureTables();
   Module* m = dataModule();
   std::string first = written(*m);
+  // Evaluation numbers belong to one writing: a second one is the same text.
+  EXPECT_EQ(written(*m), first);
   for (const char* part : {"binding:", "evaltable:", "clock: (", "%%", "data:", "type:\nint;",
                            "method:\nint plus(int, int);", "int zero :default=  \"0\";",
                            "int one :vhdl=  \"one_v\" :c=  \"1\";"})
@@ -157,6 +163,7 @@ void expectCleanEnd(int status, const std::string& err, const std::string& what)
 }
 
 TEST(QncDamaged, TruncatedFilesAreRefused) {
+  ensureTables();
   Module* m = dataModule();
   std::string text = written(*m);
   size_t woodEnd = text.find("end:");
@@ -175,6 +182,7 @@ TEST(QncDamaged, TruncatedFilesAreRefused) {
 }
 
 TEST(QncDamaged, FlippedBytesNeverCrash) {
+  ensureTables();
   Module* m = dataModule();
   std::string text = written(*m);
   std::mt19937 random(2026);
@@ -204,6 +212,8 @@ TEST(QncDamaged, ReaderMessages) {
        "unknown variable 99"},
       {"loop", head + "equation_def:\n2\n0: 0:1:0,1\n1: -1:-3:-3,1\nexpressions:\n0 0 2:0,1,()\nend:\n",
        "is its own descendant"},
+      {"date", head + "equation_def:\n0\nexpressions:\n99999999999999999999 0 2:-3,-3,()\nend:\n",
+       "date out of range"},
       {"equation of no variable", head + "equation_def:\n0\nexpressions:\n0 0 40:-3,-3,()\nend:\n",
        "equation of an unknown variable 40"},
       {"twice", "module: H  0 0\ninput: A A ;\nconnexion: S R T;\nequation_def:\n0\nexpressions:\nend:\n",
@@ -254,6 +264,129 @@ TEST(QncReader, AwaitedSignalsAndInstances) {
       << err;
 
   EXPECT_EQ(Compilation::qnc_parse(scratch("missing.qnc"), nullptr, nullptr, nullptr), nullptr);
+}
+
+}  // namespace
+
+namespace {
+
+// Values that the plain string pattern would refuse are escaped and read back as they were.
+TEST(QncData, ConstantValuesOfAnyTextReadBack) {
+  const std::vector<std::string> texts = {"x\"0F\"", "", "a|b@[c]^", "back\\slash", "end\\", "tab\there"};
+  std::string err;
+  int status = isolated(
+      [&] {
+        ensureTables();
+        int n = 0;
+        for (const std::string& t : texts) {
+          std::string name = "odd" + std::to_string(n++);
+          auto* values = new std::map<int, DataExpr*>{{TLanguage::DEFAULT, new DataValue(t)},
+                                                       {TLanguage::C, new DataValue(t)}};
+          Compilation::GDataConstantTable->addConstant(new ConstantDecl("int", name, values));
+        }
+        Module* m = dataModule();
+        std::string text = written(*m);
+        Compilation::GDataConstantTable = nullptr;
+        Module* r = readBack("odd", text);
+        if (!r) std::exit(2);
+        for (size_t i = 0; i < texts.size(); i++) {
+          ConstantDecl* c = Compilation::GDataConstantTable->getConstant("odd" + std::to_string(i));
+          if (!c || !c->getValueTable()) std::exit(3);
+          for (const auto& [language, value] : *c->getValueTable()) {
+            auto* v = static_cast<DataValue*>(value);
+            if (v->getText() != texts[i]) {
+              std::cerr << "read [" << v->getText() << "] for [" << texts[i] << "]\n" << text;
+              std::exit(4);
+            }
+          }
+        }
+      },
+      err);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status << "\n" << err;
+}
+
+}  // namespace
+
+namespace {
+
+// A node table far beyond 32767 entries, over as many variables, reads back.
+TEST(QncReader, LargeFilesRead) {
+  const long n = 35000;
+  std::ostringstream text;
+  text << "module: big  0 0\ninput:";
+  for (long i = 0; i < n; i++) text << " I" << i;
+  text << " ;\noutput: O ;\nconnexion: S R T;\nequation_def:\n" << n + 1 << "\n";
+  // The conjunction of all inputs, the root first.
+  for (long i = 0; i < n; i++) text << i << ": " << 2 * i << ":" << (i + 1) << ":" << n << ",-1\n";
+  text << n << ": -1:-3:-3,1\nexpressions:\n0 0 " << 2 * n << ":0,1,()\nend:\n";
+  Module* m = readBack("big", text.str());
+  ASSERT_NE(m, nullptr);
+  Bddexpressionwood* w = m->getBddWood();
+  Bddexpression* e = w->exp_by_index(2 * n);
+  ASSERT_NE(e, nullptr);
+  bddpp_manager* mg = w->my_bdd_manager();
+  EXPECT_EQ(long(mg->set_of_index_depend_on(e->my_bdd_exp()).size()), n);
+}
+
+// Operator numbers carry a type index that is only informative; a writer without the type
+// gives negative numbers, and SignalVal of type index 1 is 29.
+TEST(QncReader, OperatorNumbersKeepTheOperatorAlone) {
+  ensureTables();
+  for (const char* code : {"14", "-1", "29"}) {
+    SCOPED_TRACE(code);
+    std::string text = std::string("module: H  0 0\ninput: A : int ;\nlocal: V : int;\nconnexion: S R T;\n") +
+                       "equation_def:\n0\nexpressions:\nend:\nbinding:\n   (2, 3): value: 0;\nend:\n" +
+                       "evaltable:\n   0: %%" + code + "(0, 1);\nend:\n";
+    Module* m = readBack("operator", text);
+    ASSERT_NE(m, nullptr);
+    ASSERT_NE(m->getDataTable(), nullptr);
+    ASSERT_EQ(m->getDataTable()->size(), 1u);
+    EXPECT_TRUE(m->getDataTable()->begin()->second->getValue()->isDataSignalValue());
+  }
+}
+
+}  // namespace
+
+namespace {
+
+// A register of an unknown name is left out with a message; an initial value above 1 is
+// warned about and read as true.
+TEST(QncReader, RegisterLines) {
+  std::string text = "module: H  0 0\nlocal: n a;\nregister:\nn a 2;\nn missing 0;\n\n"
+                     "connexion: S R T;\nequation_def:\n0\nexpressions:\nend:\n";
+  testing::internal::CaptureStderr();
+  Module* m = readBack("registers", text);
+  std::string err = testing::internal::GetCapturedStderr();
+  ASSERT_NE(m, nullptr) << err;
+  EXPECT_NE(err.find("Warning: Boolean value expected to initialize register value\n"), std::string::npos);
+  EXPECT_NE(err.find("register missing not defined as local ..."), std::string::npos);
+  ASSERT_EQ(m->getRegisterList()->size(), 1u);
+  regclass* r = m->getRegisterList()->front();
+  EXPECT_EQ(r->next_var()->getInternalName(), "n");
+  EXPECT_EQ(r->actual_var()->getInternalName(), "a");
+  EXPECT_EQ(r->is_initialy_true(), 1);
+}
+
+}  // namespace
+
+namespace {
+
+// The value bound to an input is written itself, not a copy: its arguments keep the
+// numbers of a writing, which the next one must not take for its own.
+TEST(QncData, InputBindingWrittenTwice) {
+  ensureTables();
+  Module* m = new Module("J");
+  declare(*m, "A", true);
+  Signal* b = declare(*m, "B", true, "int");
+  Signal* c = declare(*m, "C", true, "int");
+  m->createCompileEnv();
+  int plus = Compilation::GDataMethodTable->getMethodIndex("plus");
+  int zero = Compilation::GDataConstantTable->getConstantIndex("zero");
+  auto* args = new std::list<DataExpr*>{new DataConstant(zero), new DataSignalValue(b)};
+  m->addSignalBinding(new DataMethodCall(plus, args), c, static_cast<Signal*>(nullptr));
+  std::string first = written(*m);
+  EXPECT_EQ(written(*m), first);
+  EXPECT_NE(readBack("input_binding", written(*m)), nullptr) << first;
 }
 
 }  // namespace

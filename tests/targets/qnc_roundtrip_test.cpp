@@ -257,3 +257,33 @@ TEST(QncSave, VariablesReadButUnlistedBecomeLocals) {
 }
 
 }  // namespace
+
+namespace {
+
+// Checked by hand: A 0-1, B 2-3, O 4-5, then the locals L, L_1, q, qn and O's second
+// occurrence 6-15 (names forgotten), the wires 16-21; the register is next qn, actual q;
+// each node line is number: variable:then:else,else link, the terminal -1; the equations
+// in variable order of the writing manager.
+TEST(QncSave, GoldenFileWithoutLocalNames) {
+  const std::string golden =
+      "module: F  1 0\n"
+      "input: A B ;\n"
+      "output: O ;\n"
+      "local:  V6  V8  V10  V12  V14;\n"
+      "register:\n V12 V10 1;\n\n"
+      "connexion: SETF RESETF RTLF;\n\n"
+      "equation_def:\n13\n"
+      "0: 14:1:1,-1\n1: -1:-3:-3,1\n2: 15:1:1,-1\n3: 8:1:1,-1\n4: 9:1:1,-1\n"
+      "5: 6:6:1,1\n6: 18:1:1,-1\n7: 0:8:9,-1\n8: 2:1:1,-1\n9: 10:1:1,-1\n"
+      "10: 0:8:1,-1\n11: 0:12:1,-1\n12: 16:1:1,-1\n"
+      "expressions:\n"
+      "0 0 4:0,1,(14 )\n0 0 5:2,1,(15 )\n0 0 6:3,1,(8 )\n0 0 7:4,1,(9 )\n"
+      "2 0 12:5,-1,(6 18 )\n0 0 20:1,1,()\n1 0 14:7,-1,(0 2 10 )\n1 0 15:10,1,(0 2 )\n"
+      "1 0 8:11,1,(0 16 )\n3 0 9:-3,-3,(0 10 )\n"
+      "end:\n\n";
+  Module* m = sampleModule("F");
+  std::string text = written(*m, 1);
+  EXPECT_EQ(text.substr(0, text.find("data:")), golden);
+}
+
+}  // namespace
