@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <set>
 
 #include "driver/compilation.h"
 #include "equations/equationtable.h"
@@ -381,6 +382,14 @@ Signal* Run::getRenamingSignal(const std::string& n) {
 }
 
 bool Run::reincarnate() {
+  // A module that runs itself, directly or through others, would ask itself forever.
+  static std::set<std::string> asking;
+  if (!asking.insert(moduleName).second)
+    Compilation::fatal("Error in Run call: module " + moduleName + " runs itself");
+  struct Asked {
+    const std::string& name;
+    ~Asked() { asking.erase(name); }
+  } asked{moduleName};
   if (module) {
     if (!module->getSet() && module->getStatement()) return module->getStatement()->reincarnate();
     return module->getReincarnate();

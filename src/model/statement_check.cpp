@@ -2,6 +2,7 @@
 // automata with bad final states, runs that don't fit the called module. Each failure
 // is final.
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 
 #include "driver/compilation.h"
@@ -139,6 +140,15 @@ void Run::complementary_check_syntax() {
     // Read for this check only; it enters no table.
     called = Compilation::createModuleFromQncCode(r, new std::list<std::string>,
                                                   new std::list<std::string>);
+    // Without a compiled file, the declaration may place the module in a source file.
+    if (!called) {
+      std::string* location = parent->getModuleLocation(r);
+      std::string file = location ? *location + ".qn" : "";
+      if (location && std::ifstream(file).is_open()) {
+        Compilation::qn_parse(file);
+        called = Compilation::ModTable->get(r);
+      }
+    }
     if (!called)
       Compilation::fatal(h + "Impossible to load module :\"" + r +
                          "\" from qnc file ...\nHave you really indicate the list of qnc files "

@@ -9,6 +9,8 @@ case_name=$(basename "$case_file" .run)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cp -r "$case_dir"/. "$work"/
+# Scripts shared by the cases (trace.sh) are reached through $E2E.
+export E2E=$(cd "$(dirname "$0")" && pwd)
 cd "$work" || exit 2
 
 fail() { echo "FAIL $case_name: $*"; exit 1; }

@@ -145,6 +145,21 @@ TEST(ModuleUserType, RestoredFromTheLists) {
   EXPECT_EQ(wood->exp_by_index(wood->Index_var_by_name("_s_qn")), nullptr);
 }
 
+TEST(ModuleClean, KeepWiresLeavesEverything) {
+  Module m("M");
+  output(m, "o");
+  local(m, "l");
+  m.createCompileEnv();
+  long before = m.getBddWood()->exp_number();
+  std::list<Signal*>* locals = m.getLocalSignalList();
+  Compilation::KeepWiresFlag = true;
+  m.clean();
+  Compilation::KeepWiresFlag = false;
+  EXPECT_EQ(m.getBddWood()->exp_number(), before);
+  EXPECT_EQ(m.getLocalSignalList(), locals);
+  EXPECT_EQ(locals->size(), 1u);
+}
+
 TEST(ModuleClean, LocalsKeepRegistersValuesAndClocks) {
   Module m("M");
   local(m, "plain");

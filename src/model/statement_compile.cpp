@@ -1,6 +1,0 @@
-// Equations of each statement: filled in with the statement compilers. Until then a
-// statement compiles to nothing.
-#include "model/statement.h"
-
-void Run::createEquations(Module*, EquationTable*) {}
-void Run::compile(Module*, EquationTable*) {}
