@@ -27,11 +27,18 @@ Statement* dupOrNull(Statement* s, Module* m, EquationTable* t) {
 
 Statement* dupOrNull(Statement* s, int n) { return s ? s->duplicate(n) : nullptr; }
 
-Statement** growArray(Statement** array, int count, Statement* last) {
-  Statement** grown = new Statement*[count + 1];
-  std::copy(array, array + count, grown);
-  grown[count] = last;
-  return grown;
+// Appends last; the array doubles when full, so that a long "a >> b >> ..." is read
+// in linear time.
+Statement** growArray(Statement** array, int count, int& capacity, Statement* last) {
+  if (count >= capacity) {
+    capacity = std::max(4, 2 * capacity);
+    Statement** grown = new Statement*[capacity];
+    std::copy(array, array + count, grown);
+    delete[] array;
+    array = grown;
+  }
+  array[count] = last;
+  return array;
 }
 
 }  // namespace
@@ -110,9 +117,10 @@ Statement* Sequence::duplicate(int n) {
                parentModule);
 }
 
-Sn::Sn(const std::string& n, int c, Statement** a) : Statement(n), count(c), array(a) {}
+Sn::Sn(const std::string& n, int c, Statement** a)
+    : Statement(n), count(c), capacity(c), array(a) {}
 
-void Sn::addStatement(Statement* s) { array = growArray(array, count++, s); }
+void Sn::addStatement(Statement* s) { array = growArray(array, count++, capacity, s); }
 
 bool Sn::reincarnate() {
   for (int i = count - 1; i >= 0; i--)
@@ -150,9 +158,10 @@ Statement* Parallel::duplicate(int n) {
                parentModule);
 }
 
-Pn::Pn(const std::string& n, int c, Statement** a) : Statement(n), count(c), array(a) {}
+Pn::Pn(const std::string& n, int c, Statement** a)
+    : Statement(n), count(c), capacity(c), array(a) {}
 
-void Pn::addStatement(Statement* s) { array = growArray(array, count++, s); }
+void Pn::addStatement(Statement* s) { array = growArray(array, count++, capacity, s); }
 
 bool Pn::reincarnate() {
   for (int i = 0; i < count; i++)

@@ -101,6 +101,7 @@ class Sn : public Statement {
 
  private:
   int count;
+  int capacity;  // slots in array; count of them are used
   Statement** array;
 };
 
@@ -143,6 +144,7 @@ class Pn : public Statement {
 
  private:
   int count;
+  int capacity;  // slots in array; count of them are used
   Statement** array;
   Signal** actif = nullptr;
   Signal** actifplus = nullptr;

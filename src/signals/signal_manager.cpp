@@ -543,7 +543,12 @@ void SignalManager::addSignalRefIdTable(long over, long under, SignalRef* ref,
   t->table[under] = ref;
 }
 
-void SignalManager::extendIdTable(Bddexpressionwood* w) { grow(w, w->Nb_bdd_vars()); }
+// Doubles at least: a table grown by one variable at a time costs a copy per signal.
+void SignalManager::extendIdTable(Bddexpressionwood* w) {
+  auto it = idTables.find(w);
+  long size = it == idTables.end() ? 0 : it->second->size;
+  grow(w, std::max(w->Nb_bdd_vars(), 2 * size));
+}
 
 void SignalManager::grow(Bddexpressionwood* w, long n) {
   auto it = idTables.find(w);
