@@ -35,5 +35,14 @@ wrong_command_line() {
   run m.qn -o 2>&1
 }
 
-STEPS=(banner usage compile_abro wrong_command_line)
+run_abro() {
+  cp "$EXAMPLES/abro.qn" "$EXAMPLES/abro_main.c" "$WORK/"
+  step "compile ABRO to C, build it with a small driver and run it" -c -main abro abro.qn
+  run -c -main abro abro.qn 2>&1
+  printf '$ gcc -o abro abro_main.c abro.c && ./abro < abro.in\n'
+  (cd "$WORK" && gcc -o abro abro_main.c abro.c && ./abro < "$EXAMPLES/abro.in")
+  echo "(O comes once both A and B have been seen; R starts over)"
+}
+
+STEPS=(banner usage compile_abro run_abro wrong_command_line)
 for s in "${STEPS[@]}"; do "$s"; done
