@@ -192,10 +192,12 @@ void Automaton::compile(Module* module, EquationTable* table) {
                            M->Print_sop_to_ESTEREL_String(overlap));
       acc = M->Bdd_or(acc, trig);
     }
-    // TODO(run): duplicate the table, run->compile_with_preemption(module, table, ST) on
-    // the table itself, then unify the copy back in.
-    Compilation::IllegalOperationException(
-        "Automaton::compile: run in a state: Run::compile_with_preemption not yet available");
+    // The copy keeps the caller's equations of the variables that the instance
+    // replaces: unify ors both, so the automaton's own actions on a signal stay beside
+    // the masked outputs of the instance.
+    EquationTable* t2 = table->duplicate(module);
+    run->compile_with_preemption(module, table, ST);
+    table->unify(t2, module);
     bdd RST = zero;
     for (Transition* t : *transitionList) {
       if (t->isInitial() || t->getSource() != s || (t->getType() != 1 && t->getType() != 2))

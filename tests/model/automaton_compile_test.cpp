@@ -233,3 +233,42 @@ TEST(AutomatonEquations, CreateEquationsIsNotTheWay) {
 }
 
 }  // namespace
+
+namespace {
+
+// A state that runs a module: arrival starts it, a strong trigger of the state cuts its
+// outputs in that instant, leaving resets it. s0 = 1, s1 = 2.
+TEST(AutomatonBehaviour, RunInAState) {
+  testing::internal::CaptureStderr();
+  Module* m = compiled(
+      "module sub: Output: o; Mealy Machine o = 1; end\n"
+      "module m: Input: i; Output: o;\n"
+      "automaton state: s0; state: s1 run sub;\n"
+      "transition: initial-> s0; s0 [i] -> s1; s1 [i] -> s0; end");
+  std::string err = testing::internal::GetCapturedStderr();
+  ASSERT_NE(m, nullptr);
+  EXPECT_NE(err.find("Run detecte:mR_sub_"), std::string::npos) << err;
+  Runner run(m);
+  struct Step {
+    std::set<std::string> in;
+    bool set;
+    long code;
+    std::string o;
+  } steps[] = {
+      {{}, true, 1, "F"},    // the instance isn't started
+      {{"i"}, false, 2, "B"},  // started, but its outputs are cut while i holds
+      {{}, false, 2, "T"},
+      {{}, false, 2, "T"},
+      {{"i"}, false, 1, "B"},  // preempted and reset
+      {{}, false, 1, "F"},
+  };
+  int n = 0;
+  for (const Step& s : steps) {
+    SCOPED_TRACE("instant " + std::to_string(n++));
+    run.step(s.in, s.set);
+    EXPECT_EQ(run.code(), s.code);
+    EXPECT_EQ(run.value("o"), s.o);
+  }
+}
+
+}  // namespace
