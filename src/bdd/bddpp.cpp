@@ -710,8 +710,12 @@ std::set<long> bddpp_manager::set_of_id_depend_on(const bdd& f) {
 }
 
 std::set<long> bddpp_manager::set_of_index_depend_on(const bdd& f) {
+  // A bad manager: the warning and an empty set.
+  if (f.manager_ref() != this || f.node() == nullptr) return set_of_id_depend_on(f);
+  std::vector<long> ids;
+  Support_ids(f.node(), ids);
   std::set<long> result;
-  for (long id : set_of_id_depend_on(f)) result.insert(index_of_id[id]);
+  for (long id : ids) result.insert(index_of_id[id]);
   return result;
 }
 
