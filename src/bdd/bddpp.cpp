@@ -157,6 +157,7 @@ bdd_node* bddpp_manager::Allocate_node() {
     // A block of 2 MB on its own alignment: its head names the manager.
     char* block = static_cast<char*>(bdd_detail::Allocate_table(kBlockUsed, true));
     *reinterpret_cast<bddpp_manager**>(block) = this;
+    *reinterpret_cast<uint32_t*>(block + sizeof(bddpp_manager*)) = uint32_t(chunks_.size());
     chunks_.push_back(reinterpret_cast<bdd_node*>(block + 64));
   }
   if ((pool_top_ & 1023) == 0) Cache_maybe_grow();
@@ -181,11 +182,12 @@ int64_t bdd_node::signature() const {
 uint32_t bddpp_manager::Unique_hash(uint32_t var, uint32_t t, uint32_t e) { return mix(var, t, e); }
 
 uint32_t bddpp_manager::Key_hash(const bdd_node* n) {
-  return mix(uint32_t(n->var_id), n->then_node->slot, (n->else_node->slot << 1) | (n->else_link_type < 0 ? 1u : 0u));
+  return mix(uint32_t(n->var_id), Slot_of(n->then_node),
+             (Slot_of(n->else_node) << 1) | (n->else_link_type < 0 ? 1u : 0u));
 }
 
 bdd_node* bddpp_manager::Unique_find(long var, const bdd_node* t, const bdd_node* e, int else_link) const {
-  const uint32_t h = Unique_hash(uint32_t(var), t->slot, (e->slot << 1) | (else_link < 0 ? 1u : 0u));
+  const uint32_t h = Unique_hash(uint32_t(var), Slot_of(t), (Slot_of(e) << 1) | (else_link < 0 ? 1u : 0u));
   for (uint32_t i = h & unique_mask_;; i = (i + 1) & unique_mask_) {
     const unique_slot& s = unique_[i];
     if (s.node == kEmpty) return nullptr;
@@ -213,8 +215,10 @@ void bddpp_manager::Unique_rebuild(size_t capacity) {
   old.swap(unique_);
   unique_mask_ = uint32_t(cap - 1);
   live_nodes_ = 0;
+  const bool purge = unique_purge_;
+  unique_purge_ = false;
   for (const unique_slot& s : old) {
-    if (s.node == kEmpty || Node_at(s.node)->var_id < 0) continue;
+    if (s.node == kEmpty || (purge && Node_at(s.node)->var_id < 0)) continue;
     uint32_t i = s.hash & unique_mask_;
     while (unique_[i].node != kEmpty) i = (i + 1) & unique_mask_;
     unique_[i] = s;
@@ -294,7 +298,7 @@ bddpp_manager::edge bddpp_manager::Mk(long var_id, edge t, edge e) {
   bdd_node* tn = Node(t);
   bdd_node* en = Node(e);
   const int16_t el = (e & 1) ? -1 : 1;
-  const uint32_t h = Unique_hash(uint32_t(var_id), tn->slot, (en->slot << 1) | uint32_t(e & 1));
+  const uint32_t h = Unique_hash(uint32_t(var_id), Slot_of(tn), (Slot_of(en) << 1) | uint32_t(e & 1));
   uint32_t i = h & unique_mask_;
   for (;; i = (i + 1) & unique_mask_) {
     const unique_slot& s = unique_[i];
@@ -368,21 +372,6 @@ bdd_node* bddpp_manager::Find_or_create_bdd_node(long index, int then_link, int 
 // ---------------------------------------------------------------------------
 // Operation cache
 // ---------------------------------------------------------------------------
-
-bddpp_manager::cache_entry& bddpp_manager::Cache_at(uint32_t a, uint32_t b, uint32_t op) {
-  return cache_[mix(a, b, op) & cache_mask_];
-}
-
-bool bddpp_manager::Cache_get(uint32_t a, uint32_t b, uint32_t op, edge& result) {
-  const cache_entry& c = Cache_at(a, b, op);
-  if (c.op != op || c.a != a || c.b != b) return false;
-  result = Decode(c.result);
-  return true;
-}
-
-void bddpp_manager::Cache_put(uint32_t a, uint32_t b, uint32_t op, edge result) {
-  Cache_at(a, b, op) = cache_entry{a, b, op, Code(result)};
-}
 
 void bddpp_manager::Cache_clear() { cache_.assign_zero(cache_.size()); }
 
@@ -867,7 +856,10 @@ void bddpp_manager::Bdd_gc() {
       if (candidate(t)) stack.push_back(t);
     }
   }
-  if (freed) Unique_rebuild(0);
+  if (freed) {
+    unique_purge_ = true;
+    Unique_rebuild(0);
+  }
   Cache_clear();
   ++gc_calls;
 }

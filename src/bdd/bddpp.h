@@ -477,11 +477,28 @@ class bddpp_manager {
   void Unique_erase(bdd_node* n);
 
   // operation cache
-  static uint32_t Code(edge e) { return (Node(e)->slot << 1) | uint32_t(e & 1); }
+  // The slot from the address alone (the block head holds the block's number),
+  // so a cache probe does not touch the node.
+  static uint32_t Slot_of(const bdd_node* n) {
+    const uintptr_t p = reinterpret_cast<uintptr_t>(n), base = p & ~bdd_node::kBlockMask;
+    const uint32_t block = *reinterpret_cast<const uint32_t*>(base + sizeof(bddpp_manager*));
+    return (block << kChunkBits) | uint32_t((p - base - 64) / sizeof(bdd_node));
+  }
+  static uint32_t Code(edge e) { return (Slot_of(Node(e)) << 1) | uint32_t(e & 1); }
   edge Decode(uint32_t c) const { return reinterpret_cast<edge>(Node_at(c >> 1)) | (c & 1); }
-  cache_entry& Cache_at(uint32_t a, uint32_t b, uint32_t op);
-  bool Cache_get(uint32_t a, uint32_t b, uint32_t op, edge& result);
-  void Cache_put(uint32_t a, uint32_t b, uint32_t op, edge result);
+  cache_entry& Cache_at(uint32_t a, uint32_t b, uint32_t op) {
+    uint32_t h = a * 0x9E3779B1u + b * 0x85EBCA77u + op * 0xC2B2AE3Du;
+    return cache_[(h ^ (h >> 15)) & cache_mask_];
+  }
+  bool Cache_get(uint32_t a, uint32_t b, uint32_t op, edge& result) {
+    const cache_entry& c = Cache_at(a, b, op);
+    if (c.op != op || c.a != a || c.b != b) return false;
+    result = Decode(c.result);
+    return true;
+  }
+  void Cache_put(uint32_t a, uint32_t b, uint32_t op, edge result) {
+    Cache_at(a, b, op) = cache_entry{a, b, op, Code(result)};
+  }
   void Cache_clear();
   void Cache_maybe_grow();
   uint32_t New_call_tag(uint32_t op);
@@ -520,6 +537,7 @@ class bddpp_manager {
   long live_nodes_ = 0;                   // inner nodes in the unique table
   bdd_detail::table<unique_slot> unique_;
   uint32_t unique_mask_ = 0;
+  bool unique_purge_ = false;             // the next rebuild leaves out freed nodes
   bdd_detail::table<cache_entry> cache_;
   uint32_t cache_mask_ = 0;
   uint32_t call_serial_ = 0;

@@ -1,6 +1,7 @@
 #include "signals/expression.h"
 
 #include <iostream>
+#include <utility>
 
 #include "bdd/bddpp.h"
 #include "driver/compilation.h"
@@ -241,14 +242,40 @@ static bdd np_over(bddpp_manager* g, const bdd& o, const bdd& u) {
   return g->Bdd_or(g->Bdd_not(o), g->Bdd_and(o, u));
 }
 
+// Over and under of e together. Np needs both of its operand, so asking for them one
+// at a time would walk a chain of "not not ... x" a Fibonacci number of times.
+static std::pair<bdd, bdd> over_under(Expression* e, Module* m, Bddexpressionwood* w,
+                                      bool initial) {
+  bddpp_manager* g = mgr(w);
+  if (auto* np = dynamic_cast<NpExpression*>(e)) {
+    auto [o, u] = over_under(np->getOperand(), m, w, initial);
+    return {np_over(g, o, u), o};
+  }
+  if (auto* n = dynamic_cast<NotExpression*>(e)) {
+    auto [o, u] = over_under(n->getOperand(), m, w, initial);
+    return {u, o};
+  }
+  if (auto* b = dynamic_cast<BinaryExpression*>(e);
+      b != nullptr && (dynamic_cast<OrExpression*>(e) || dynamic_cast<AndExpression*>(e))) {
+    auto [lo, lu] = over_under(b->getLeft(), m, w, initial);
+    auto [ro, ru] = over_under(b->getRight(), m, w, initial);
+    if (dynamic_cast<OrExpression*>(e)) return {g->Bdd_or(lo, ro), g->Bdd_and(lu, ru)};
+    return {g->Bdd_and(lo, ro), g->Bdd_or(lu, ru)};
+  }
+  if (initial) return {e->getInitialOverBdd(m, w), e->getInitialUnderBdd(m, w)};
+  return {e->getOverBdd(m, w), e->getUnderBdd(m, w)};
+}
+
 bdd NpExpression::getOverBdd(Module* m, Bddexpressionwood* w) {
-  return np_over(mgr(w), operand->getOverBdd(m, w), operand->getUnderBdd(m, w));
+  auto [o, u] = over_under(operand, m, w, false);
+  return np_over(mgr(w), o, u);
 }
 bdd NpExpression::getUnderBdd(Module* m, Bddexpressionwood* w) {
   return operand->getOverBdd(m, w);
 }
 bdd NpExpression::getInitialOverBdd(Module* m, Bddexpressionwood* w) {
-  return np_over(mgr(w), operand->getInitialOverBdd(m, w), operand->getInitialUnderBdd(m, w));
+  auto [o, u] = over_under(operand, m, w, true);
+  return np_over(mgr(w), o, u);
 }
 bdd NpExpression::getInitialUnderBdd(Module* m, Bddexpressionwood* w) {
   return operand->getInitialOverBdd(m, w);
