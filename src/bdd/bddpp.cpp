@@ -672,21 +672,20 @@ bool bddpp_manager::Bdd_depends_on(const bdd& f, const bdd& v) {
 void bddpp_manager::Support_ids(bdd_node* n, std::vector<long>& ids) {
   ids.clear();
   if (n == nullptr || n == one) return;
+  // Sorted and made unique at the end: a mark per variable would cost a walk over
+  // all variables on every call.
   const uint32_t stamp = New_visit();
-  std::vector<char> seen(Nb_bdd_vars, 0);
   std::vector<bdd_node*> stack{n};
   while (!stack.empty()) {
     bdd_node* m = stack.back();
     stack.pop_back();
     if (m == one || Visited(m, stamp)) continue;
-    if (!seen[m->var_id]) {
-      seen[m->var_id] = 1;
-      ids.push_back(m->var_id);
-    }
+    ids.push_back(m->var_id);
     stack.push_back(m->else_node);
     stack.push_back(m->then_node);
   }
   std::sort(ids.begin(), ids.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
 }
 
 std::set<long> bddpp_manager::set_of_id_depend_on(const bdd& f) {
@@ -700,8 +699,12 @@ std::set<long> bddpp_manager::set_of_id_depend_on(const bdd& f) {
 }
 
 std::set<long> bddpp_manager::set_of_index_depend_on(const bdd& f) {
+  // A bad manager: the warning and an empty set.
+  if (f.manager_ref() != this || f.node() == nullptr) return set_of_id_depend_on(f);
+  std::vector<long> ids;
+  Support_ids(f.node(), ids);
   std::set<long> result;
-  for (long id : set_of_id_depend_on(f)) result.insert(index_of_id[id]);
+  for (long id : ids) result.insert(index_of_id[id]);
   return result;
 }
 

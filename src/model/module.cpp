@@ -199,7 +199,32 @@ void Module::setRtl(Signal* s) {
 
 Signal* Module::getInputSignal(const std::string& n) { return findByOriginalName(inputList, n); }
 Signal* Module::getOutputSignal(const std::string& n) { return findByOriginalName(outputList, n); }
-Signal* Module::getLocalSignal(const std::string& n) { return findByInternalName(localList, n); }
+Signal* Module::getLocalSignal(const std::string& n) { return findLocal(n); }
+
+Signal* Module::findLocal(const std::string& n) {
+  if (!localList) return nullptr;
+  NameIndex& x = localIndex;
+  const std::list<Signal*>& l = *localList;
+  size_t added = l.size() - x.size;
+  bool extends = x.list == &l && l.size() >= x.size && (x.size == 0 || l.front() == x.front) &&
+                 (x.size == 0 || *std::prev(l.end(), long(added) + 1) == x.back);
+  auto tail = l.begin();
+  if (extends) {
+    tail = std::prev(l.end(), long(added));
+  } else {
+    x.byName.clear();
+    x.list = &l;
+  }
+  for (auto it = tail; it != l.end(); ++it) x.byName.emplace((*it)->getInternalName(), *it);
+  x.size = l.size();
+  x.front = l.empty() ? nullptr : l.front();
+  x.back = l.empty() ? nullptr : l.back();
+  auto found = x.byName.find(n);
+  if (found == x.byName.end()) return nullptr;
+  // A signal renamed since it was indexed: the plain search decides.
+  if (found->second->getInternalName() != n) return findByInternalName(localList, n);
+  return found->second;
+}
 Signal* Module::getDataSignal(const std::string& n) {
   return findByInternalName(dataSignalList, n);
 }
@@ -228,7 +253,7 @@ Signal* Module::getSignalFromInternalName(const std::string& n) {
   if (Signal* s = findByInternalName(inputList, n)) return s;
   if (Signal* s = findByInternalName(outputList, n)) return s;
   if (Signal* s = findByInternalName(dataSignalList, n)) return s;
-  if (Signal* s = findByInternalName(localList, n)) return s;
+  if (Signal* s = findLocal(n)) return s;
   return getPreSignal(n);
 }
 

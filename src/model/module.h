@@ -290,6 +290,19 @@ class Module {
   int currentInstance;
   SignalManager* signalManager;
   std::map<std::string, DataBinding*>* dataTable;
+
+  // localList by internal name (first signal of a name), since every wire lands there.
+  // Caught up with the list's new tail on a look-up; rebuilt when the list was replaced
+  // or changed otherwise than at its end.
+  struct NameIndex {
+    const std::list<Signal*>* list = nullptr;
+    size_t size = 0;
+    Signal* front = nullptr;
+    Signal* back = nullptr;
+    std::map<std::string, Signal*> byName;
+  };
+  NameIndex localIndex;
+  Signal* findLocal(const std::string& name);
 };
 
 // Modules by name.
