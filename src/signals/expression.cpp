@@ -1,6 +1,7 @@
 #include "signals/expression.h"
 
 #include <iostream>
+#include <unordered_map>
 #include <utility>
 
 #include "bdd/bddpp.h"
@@ -144,22 +145,67 @@ bdd ErrorExpression::getInitialUnderBdd(Module* m, Bddexpressionwood* w) {
 Expression* ErrorExpression::duplicate() { return new ErrorExpression(); }
 std::ostream& ErrorExpression::print(std::ostream& out) { return out << " error "; }
 
+// not o, or o and u: bottom and false give true, error stays error.
+static bdd np_over(bddpp_manager* g, const bdd& o, const bdd& u) {
+  return g->Bdd_or(g->Bdd_not(o), g->Bdd_and(o, u));
+}
+
+using OverUnder = std::pair<bdd, bdd>;
+using OverUnderMemo = std::unordered_map<Expression*, OverUnder>;
+
+// Over and under of e together, each node of the tree once. Np needs both functions
+// of its operand, and "xor" shares its operands between two branches: asking for the
+// functions one at a time would walk such trees an exponential number of times.
+static OverUnder over_under(Expression* e, Module* m, Bddexpressionwood* w, bool initial,
+                            OverUnderMemo& memo) {
+  if (auto found = memo.find(e); found != memo.end()) return found->second;
+  bddpp_manager* g = mgr(w);
+  OverUnder r;
+  auto* b = dynamic_cast<BinaryExpression*>(e);
+  if (auto* np = dynamic_cast<NpExpression*>(e)) {
+    auto [o, u] = over_under(np->getOperand(), m, w, initial, memo);
+    r = {np_over(g, o, u), o};
+  } else if (auto* n = dynamic_cast<NotExpression*>(e)) {
+    auto [o, u] = over_under(n->getOperand(), m, w, initial, memo);
+    r = {u, o};
+  } else if (b != nullptr && dynamic_cast<OrExpression*>(e) != nullptr) {
+    auto [lo, lu] = over_under(b->getLeft(), m, w, initial, memo);
+    auto [ro, ru] = over_under(b->getRight(), m, w, initial, memo);
+    r = {g->Bdd_or(lo, ro), g->Bdd_and(lu, ru)};
+  } else if (b != nullptr && dynamic_cast<AndExpression*>(e) != nullptr) {
+    auto [lo, lu] = over_under(b->getLeft(), m, w, initial, memo);
+    auto [ro, ru] = over_under(b->getRight(), m, w, initial, memo);
+    r = {g->Bdd_and(lo, ro), g->Bdd_or(lu, ru)};
+  } else if (initial) {
+    r = {e->getInitialOverBdd(m, w), e->getInitialUnderBdd(m, w)};
+  } else {
+    r = {e->getOverBdd(m, w), e->getUnderBdd(m, w)};
+  }
+  memo.emplace(e, r);
+  return r;
+}
+
+static OverUnder over_under(Expression* e, Module* m, Bddexpressionwood* w, bool initial) {
+  OverUnderMemo memo;
+  return over_under(e, m, w, initial, memo);
+}
+
 // ---- Or, And -----------------------------------------------------------------------
 
 OrExpression::OrExpression(Expression* l, Expression* r) : BinaryExpression(l, r) {}
 OrExpression::OrExpression(Expression* l, Expression* r, Module*) : BinaryExpression(l, r) {}
 
 bdd OrExpression::getOverBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_or(left->getOverBdd(m, w), right->getOverBdd(m, w));
+  return over_under(this, m, w, false).first;
 }
 bdd OrExpression::getUnderBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_and(left->getUnderBdd(m, w), right->getUnderBdd(m, w));
+  return over_under(this, m, w, false).second;
 }
 bdd OrExpression::getInitialOverBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_or(left->getInitialOverBdd(m, w), right->getInitialOverBdd(m, w));
+  return over_under(this, m, w, true).first;
 }
 bdd OrExpression::getInitialUnderBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_and(left->getInitialUnderBdd(m, w), right->getInitialUnderBdd(m, w));
+  return over_under(this, m, w, true).second;
 }
 Expression* OrExpression::duplicate() {
   return new OrExpression(left->duplicate(), right->duplicate());
@@ -181,16 +227,16 @@ AndExpression::AndExpression(Expression* l, Expression* r) : BinaryExpression(l,
 AndExpression::AndExpression(Expression* l, Expression* r, Module*) : BinaryExpression(l, r) {}
 
 bdd AndExpression::getOverBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_and(left->getOverBdd(m, w), right->getOverBdd(m, w));
+  return over_under(this, m, w, false).first;
 }
 bdd AndExpression::getUnderBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_or(left->getUnderBdd(m, w), right->getUnderBdd(m, w));
+  return over_under(this, m, w, false).second;
 }
 bdd AndExpression::getInitialOverBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_and(left->getInitialOverBdd(m, w), right->getInitialOverBdd(m, w));
+  return over_under(this, m, w, true).first;
 }
 bdd AndExpression::getInitialUnderBdd(Module* m, Bddexpressionwood* w) {
-  return mgr(w)->Bdd_or(left->getInitialUnderBdd(m, w), right->getInitialUnderBdd(m, w));
+  return over_under(this, m, w, true).second;
 }
 Expression* AndExpression::duplicate() {
   return new AndExpression(left->duplicate(), right->duplicate());
@@ -236,35 +282,6 @@ std::ostream& NotExpression::print(std::ostream& out) {
 
 NpExpression::NpExpression(Expression* e) : Expression(false), operand(e) {}
 NpExpression::NpExpression(Expression* e, Module*) : Expression(false), operand(e) {}
-
-// not o, or o and u: bottom and false give true, error stays error.
-static bdd np_over(bddpp_manager* g, const bdd& o, const bdd& u) {
-  return g->Bdd_or(g->Bdd_not(o), g->Bdd_and(o, u));
-}
-
-// Over and under of e together. Np needs both of its operand, so asking for them one
-// at a time would walk a chain of "not not ... x" a Fibonacci number of times.
-static std::pair<bdd, bdd> over_under(Expression* e, Module* m, Bddexpressionwood* w,
-                                      bool initial) {
-  bddpp_manager* g = mgr(w);
-  if (auto* np = dynamic_cast<NpExpression*>(e)) {
-    auto [o, u] = over_under(np->getOperand(), m, w, initial);
-    return {np_over(g, o, u), o};
-  }
-  if (auto* n = dynamic_cast<NotExpression*>(e)) {
-    auto [o, u] = over_under(n->getOperand(), m, w, initial);
-    return {u, o};
-  }
-  if (auto* b = dynamic_cast<BinaryExpression*>(e);
-      b != nullptr && (dynamic_cast<OrExpression*>(e) || dynamic_cast<AndExpression*>(e))) {
-    auto [lo, lu] = over_under(b->getLeft(), m, w, initial);
-    auto [ro, ru] = over_under(b->getRight(), m, w, initial);
-    if (dynamic_cast<OrExpression*>(e)) return {g->Bdd_or(lo, ro), g->Bdd_and(lu, ru)};
-    return {g->Bdd_and(lo, ro), g->Bdd_or(lu, ru)};
-  }
-  if (initial) return {e->getInitialOverBdd(m, w), e->getInitialUnderBdd(m, w)};
-  return {e->getOverBdd(m, w), e->getUnderBdd(m, w)};
-}
 
 bdd NpExpression::getOverBdd(Module* m, Bddexpressionwood* w) {
   auto [o, u] = over_under(operand, m, w, false);
