@@ -149,7 +149,9 @@ TEST(Finalize, KeepWiresLeavesLocalsInTheWood) {
     EXPECT_EQ(equation(m, "v_s_l_1") != nullptr, keep == 1);
     Bddexpression* oe = equation(m, "o");
     ASSERT_NE(oe, nullptr);
-    if (!keep) EXPECT_TRUE(oe->my_bdd_exp() == w->Bdd_and(over(m, a), over(m, b)));
+    if (!keep) {
+      EXPECT_TRUE(oe->my_bdd_exp() == w->Bdd_and(over(m, a), over(m, b)));
+    }
   }
 }
 
