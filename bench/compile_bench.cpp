@@ -267,7 +267,7 @@ int main(int argc, char** argv) {
   setenv("QUARN_BATCH", "1", 1);
   if (!Compilation::ModTable) Compilation::ModTable = new ModuleTable();
 
-  const Shape shapes[] = {{"seq", Seq, 3},     {"par", Par, 4},     {"chain", Chain, 4},
+  const Shape shapes[] = {{"seq", Seq, 2},     {"par", Par, 4},     {"chain", Chain, 2},
                           {"abort", Abort, 5}, {"nest", Nest, 2.5}, {"present", Present, 2},
                           {"run", Runs, 2},     {"auto", Auto, 2},   {"mealy", Mealy, 2}};
   std::printf("%-8s %6s %7s %9s %9s %10s %9s %8s %9s %8s %8s\n", "shape", "N", "stmts", "equations",
