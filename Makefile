@@ -41,7 +41,9 @@ test: deps
 bench: bench-deps
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DQUARN_TESTS=OFF -DQUARN_BENCH=ON
 	cmake --build build -j $(JOBS)
-	@for b in build/bench/*_bench; do [ -x "$$b" ] && "$$b"; done
+	@for b in build/bench/*_bench; do [ -x "$$b" ] && { echo "== $$b"; "$$b" | tee "$$b.out"; }; done
+	@echo; echo "== summary"; for b in build/bench/*_bench; do \
+	  [ -f "$$b.out" ] && sed -n '/^summary/,$$p' "$$b.out" | sed "s|^|$$(basename $$b): |"; done
 
 clean:
 	rm -rf build build-san
