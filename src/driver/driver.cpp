@@ -248,7 +248,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
     }
     if (Compilation::VHDLALTERAFlag) {
       std::cerr << "\n*** generate " << name << ".vhd" << std::endl;
-      // TODO(targets): copy->printVHDL();
+      copy->printVHDL();
     }
   }
   if (Compilation::SaveFlag) {
