@@ -149,14 +149,13 @@ void Module::VHDL_put(std::ostream& out, std::istream& libs, int altera) {
   if (Compilation::GDataConstantTable) Compilation::GDataConstantTable->VHDL_put(out, this);
   out << "\n";
 
-  // Signals of the architecture; a signal without a wire in this wood has none.
-  std::set<std::string> declared;
+  // Signals of the architecture; a local without a wire in this wood has none. A value is
+  // read and written under the signal's first occurrence.
   auto declare = [&](const std::string& w, const std::string& t) {
-    if (declared.insert(w).second) out << "signal " << w << " : " << t << ";" << "\n";
+    out << "signal " << w << " : " << t << ";" << "\n";
   };
   for (Signal* s : inputs)
-    if (valued(s) && has_id(s->getOverBddId(this, wood))) declare(wire(s->getOverBddId(this, wood)) + "_locval", type(s));
-  // A value is read and written under the signal's first occurrence.
+    if (valued(s)) declare(wire(s->getOverBddId(this, wood)) + "_locval", type(s));
   for (Signal* s : locals) {
     long over = s->getOverBddId(this, wood);
     if (!has_id(over)) continue;
@@ -164,17 +163,11 @@ void Module::VHDL_put(std::ostream& out, std::istream& libs, int altera) {
     if (valued(s)) declare(wire(s->getInitialOverBddId(this, wood)) + "_locval", type(s));
   }
   for (Signal* s : outputs)
-    if (valued(s) && has_id(s->getInitialOverBddId(this, wood)))
-      declare(wire(s->getInitialOverBddId(this, wood)) + "_locval", type(s));
+    if (valued(s)) declare(wire(s->getInitialOverBddId(this, wood)) + "_locval", type(s));
   for (memorizedSignal* p : pres) {
     Signal* pre = p->getPre();
     declare(pre->getOriginalName(), l);
     if (valued(pre)) declare(pre->getOriginalName() + "_locval", type(pre));
-  }
-  // The registers' wires are read and written as signals of their own.
-  for (regclass* r : registers) {
-    declare(wire(r->actual_var()->getOverBddId(this, wood)), l);
-    declare(wire(r->next_var()->getOverBddId(this, wood)), l);
   }
   out << "signal " << n << "_starter : " << l << ";" << "\n";
   out << "signal " << n << " : array_" << n << ";" << "\n" << "\n";
@@ -318,5 +311,10 @@ void Module::printVHDL() {
   if (!in) return;
   std::ofstream out(file);
   std::string line;
-  while (std::getline(in, line)) out << substitute_string(line, "__", "_X_") << "\n";
+  // A VHDL identifier has no two underscores in a row: three in a row need a second pass.
+  while (std::getline(in, line)) {
+    line = substitute_string(line, "__", "_X_");
+    while (line.find("__") != std::string::npos) line = substitute_string(line, "__", "_X_");
+    out << line << "\n";
+  }
 }
