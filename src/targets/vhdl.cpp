@@ -215,9 +215,9 @@ void Module::VHDL_put(std::ostream& out, std::istream& libs, int altera) {
     Signal* a = p->getActual();
     std::string r;
     if (a->isLocal()) {
-      // The local is taken from the array on the falling edge, like an output.
-      r = wire(a->getOverBddId(this, wood));
-      if (!item_in(output_names, r)) output_names.push_back(r);
+      // The presence of a local is its first occurrence, read where the array holds it.
+      r = element(n, var_gid(a->getInitialOverBddId(this, wood)));
+      if (valued(pre)) output_names.push_back(wire(a->getOverBddId(this, wood)));
     } else if (a->isOutput()) {
       Bddexpression* e = equation(a->getInitialOverBddId(this, wood));
       r = e && e->my_bdd_exp().initialised() ? e->my_bdd_exp().vhdl_node_name(n) : a->getOriginalName();
@@ -227,7 +227,8 @@ void Module::VHDL_put(std::ostream& out, std::istream& libs, int altera) {
     }
     out << "        " << pre->getOriginalName() << " <= " << r << ";" << "\n";
     if (valued(pre)) {
-      const std::string rv = a->isLocal() ? wire(a->getOverBddId(this, wood)) : a->getOriginalName();
+      // The value of a local lives under its first occurrence, where it is assigned.
+      const std::string rv = a->isLocal() ? wire(a->getInitialOverBddId(this, wood)) : a->getOriginalName();
       out << "        " << pre->getOriginalName() << "_locval <= " << rv << "_locval" << ";" << "\n";
     }
   }
