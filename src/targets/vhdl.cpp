@@ -302,7 +302,7 @@ void Module::VHDL_put(std::ostream& out, std::istream& libs, int altera) {
 }
 
 void Module::printVHDL() {
-  const std::string file = target_file_name(name, OutputFile, ".vhd");
+  const std::string file = target_path(name, ".vhd", false);
   {
     std::ofstream tmp(file + "_tmp");
     std::ifstream libs("vhdl_libs.inc");
