@@ -4,7 +4,7 @@ BENCH_PACKAGES := libbdd-dev libbenchmark-dev
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all build demo test bench deps bench-deps clean
+.PHONY: all build demo vhdl-demo test bench deps bench-deps clean
 
 all: build
 
@@ -31,6 +31,10 @@ build: deps
 
 demo: build
 	@bash examples/demo.sh build/quarnc
+
+# A handshake circuit compiled to VHDL and simulated by GHDL.
+vhdl-demo: build
+	@bash examples/vhdl/run.sh build/quarnc
 
 # The whole suite, built with AddressSanitizer and UndefinedBehaviorSanitizer.
 test: deps
