@@ -1,10 +1,10 @@
 # Top-level entry points. `make demo` and `make test` work on a fresh Debian machine as root.
-PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev
+PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev ghdl
 BENCH_PACKAGES := libbdd-dev libbenchmark-dev
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all build demo test bench deps bench-deps clean
+.PHONY: all build demo vhdl-demo test bench deps bench-deps clean
 
 all: build
 
@@ -31,6 +31,10 @@ build: deps
 
 demo: build
 	@bash examples/demo.sh build/quarnc
+
+# A handshake circuit compiled to VHDL and simulated by GHDL.
+vhdl-demo: build
+	@bash examples/vhdl/run.sh build/quarnc
 
 # The whole suite, built with AddressSanitizer and UndefinedBehaviorSanitizer.
 test: deps

@@ -37,7 +37,8 @@ const std::vector<Target>& targetTable() {
       {"-csharp", &Compilation::CSHARPFlag, "the C# component", true,
        [](const std::string& m) { return generate(m + ".cs"); }, csharpFiles, nullptr},
       {"-vhdl_altera", &Compilation::VHDLALTERAFlag, "the VHDL entity", true,
-       [](const std::string& m) { return generate(m + ".vhd"); }, vhdlFiles, nullptr},
+       [](const std::string& m) { return generate(m + ".vhd"); }, vhdlFiles,
+       [](Module& m) { m.printVHDL(); }},
       {"-qnc", &Compilation::SaveFlag, "the compiled module", false,
        [](const std::string& m) {
          return "\n**** Save " + target_file_name(m, Module::OutputFile, ".qnc") + "\n\n";
