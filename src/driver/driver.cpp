@@ -256,7 +256,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
     mainModule->save();
   }
   if (Compilation::DebugFlag) {
-    // TODO(model): mainModule->printDebug();
+    mainModule->printDebug();
   }
   if (Compilation::PureSimulFlag) {
     std::cerr << "\n*** Simulate " << name << std::endl;
