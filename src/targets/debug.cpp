@@ -10,7 +10,10 @@
 #include "gui/formspp.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
+#include "targets/debug_trace.h"
+#include "targets/formats.h"
 #include "targets/report_display.h"
+#include "targets/target_table.h"
 
 ReportDisplay report_display_hook = nullptr;
 
@@ -35,27 +38,22 @@ void put_signals(Module& m, std::ostream& out, const char* title, std::list<Sign
   }
 }
 
-// Did a stage of this run write its file under the -o name at this path? Such a stage
-// takes the name as it is when the name holds its extension.
-bool written_by_this_run(const std::string& path) {
-  struct Stage {
-    bool flag;
-    const char* ext;
-    bool inOutputDir;
-  };
-  const Stage stages[] = {{Compilation::SMVFlag, ".smv", true},       {Compilation::BLIFFlag, ".blif", true},
-                          {Compilation::CFlag, ".c", false},          {Compilation::CSHARPFlag, ".cs", true},
-                          {Compilation::VHDLALTERAFlag, ".vhd", false}, {Compilation::SaveFlag, ".qnc", true}};
-  const std::string& o = Module::OutputFile;
-  for (const Stage& s : stages) {
-    if (!s.flag || o.find(s.ext) == std::string::npos) continue;
-    std::error_code ec;
-    if (std::filesystem::equivalent(s.inOutputDir ? Module::OutputDir + "/" + o : o, path, ec)) return true;
-  }
-  return false;
-}
-
 }  // namespace
+
+std::string debug_trace_path(const std::string& module) {
+  const std::string& o = Module::OutputFile;
+  std::string path = Module::OutputDir + "/" + (o.empty() ? module + ".dbg" : o);
+  if (o.empty()) return path;
+  for (const Target& t : targetTable()) {
+    if (t.flag == &Compilation::DebugFlag) break;  // the stages before the trace
+    if (!*t.flag || !t.write) continue;
+    for (const std::string& file : t.files(module)) {
+      std::error_code ec;
+      if (std::filesystem::equivalent(file, path, ec)) return path + ".dbg";
+    }
+  }
+  return path;
+}
 
 std::list<std::string> report_lines_of_file(const std::string& path) {
   std::list<std::string> lines{"#COLONNE 130 "};
@@ -160,17 +158,9 @@ void Module::DEBUG_put(std::ostream& out) {
 }
 
 void Module::printDebug() {
-  std::string path = OutputDir + "/" + (OutputFile.empty() ? name + ".dbg" : OutputFile);
-  // The trace never replaces what this run has just produced under the same name.
-  if (!OutputFile.empty() && written_by_this_run(path)) path += ".dbg";
-  if (std::ifstream(path).is_open())
-    std::cerr << "File: " << path << " already exists. File rewrited." << std::endl;
-  std::ofstream out(path);
-  if (!out.is_open()) {
-    fl_show_Smessages("Cannot open output file: " + path);
-    std::cerr << "Cannot open output file: " << path << std::endl;
-    return;
-  }
+  const std::string path = debug_trace_path(name);
+  std::ofstream out;
+  if (!open_target(out, path, true)) return;
   DEBUG_put(out);
   out.close();
 

@@ -52,6 +52,6 @@ void Module::ENCAPSULATEDHOV_put(std::ostream& out) {
 }
 
 void Module::printENCAPSULATEDHOV() {
-  std::ofstream out(target_file_name(name, OutputFile, ".hov"));
+  std::ofstream out(target_path(name, ".hov", false));
   ENCAPSULATEDHOV_put(out);
 }
