@@ -6,8 +6,9 @@
 #include <string>
 
 // Shows the lines (page layout language of the display) under the title until the user
-// closes the window; viewer is the command that opens a PDF, empty for none.
-using ReportDisplay = void (*)(std::list<std::string>& lines, const std::string& title,
+// closes the window; viewer is the command that opens a PDF, empty for none. The window
+// layer's show_report has this form: report_display_hook = show_report.
+using ReportDisplay = void (*)(const std::list<std::string>& lines, const std::string& title,
                                const std::string& viewer);
 extern ReportDisplay report_display_hook;
 

@@ -188,4 +188,28 @@ TEST(DebugTrace, LinesForTheDisplay) {
   std::remove(path.c_str());
 }
 
+int shown_reports = 0;
+void count_report(const std::list<std::string>&, const std::string&, const std::string&) { shown_reports++; }
+
+// A batch run writes the trace and never calls the display, so nothing waits.
+TEST(DebugTrace, BatchRunWritesTheFileAndShowsNothing) {
+  Module* m = finalized(std::string(QUARN_SOURCE_DIR) + "/examples/abro.qn", "abro");
+  ASSERT_NE(m, nullptr);
+  Module* main_module = Compilation::ModTable->get("abro");
+  report_display_hook = count_report;
+  Module::OutputDir = QUARN_BINARY_DIR;
+  Module::OutputFile = "trace_" + std::to_string(getpid()) + ".dbg";
+  main_module->printDebug();
+  std::string path = Module::OutputDir + "/" + Module::OutputFile;
+  std::ifstream in(path);
+  std::string first;
+  std::getline(in, first);
+  EXPECT_EQ(first, "module: abro");
+  EXPECT_EQ(shown_reports, 0);
+  std::remove(path.c_str());
+  report_display_hook = nullptr;
+  Module::OutputDir = ".";
+  Module::OutputFile.clear();
+}
+
 }  // namespace
