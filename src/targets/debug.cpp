@@ -1,5 +1,6 @@
 // The debug trace: a text dump of a compiled module (signals, wires, dated equations,
 // bindings, data tables) written to a .dbg file and shown in the report display.
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -7,7 +8,6 @@
 #include "data/data.h"
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
-#include "gui/formspp.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
 #include "targets/debug_trace.h"
@@ -164,8 +164,9 @@ void Module::printDebug() {
   DEBUG_put(out);
   out.close();
 
-  // The display blocks until it is closed: only when one can be shown.
-  if (!report_display_hook || !quarn_display_reachable()) return;
+  // The display blocks until it is closed: a batch run or one without a display skips it.
+  const char* display = std::getenv("DISPLAY");
+  if (!report_display_hook || std::getenv("QUARN_BATCH") || !display || !*display) return;
   std::list<std::string> lines = report_lines_of_file(path);
   report_display_hook(lines, "Debugging trace", "");
 }

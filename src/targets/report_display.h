@@ -1,5 +1,7 @@
-// The report display as the targets see it: a function that the window layer installs
-// when it is linked in. Null means there is no display to show a report in.
+// The report display as the targets see it: a function that the program with windows
+// installs (as it installs the message boxes). Null means there is no display to show a
+// report in. The installed function itself returns at once when its display can't be
+// reached.
 #pragma once
 
 #include <list>
