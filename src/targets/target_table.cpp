@@ -2,6 +2,7 @@
 
 #include "driver/compilation.h"
 #include "model/module.h"
+#include "targets/debug_trace.h"
 #include "targets/formats.h"
 
 namespace {
@@ -18,9 +19,7 @@ std::vector<std::string> cFiles(const std::string& m) {
 std::vector<std::string> csharpFiles(const std::string& m) { return {target_path(m, ".cs", true)}; }
 std::vector<std::string> vhdlFiles(const std::string& m) { return {target_path(m, ".vhd", false)}; }
 std::vector<std::string> qncFiles(const std::string& m) { return {target_path(m, ".qnc", true)}; }
-std::vector<std::string> debugFiles(const std::string& m) {
-  return {Module::OutputDir + "/" + (Module::OutputFile.empty() ? m + ".dbg" : Module::OutputFile)};
-}
+std::vector<std::string> debugFiles(const std::string& m) { return {debug_trace_path(m)}; }
 std::vector<std::string> quarnsFiles(const std::string& m) { return {"quarns_" + m + ".cc"}; }
 std::vector<std::string> noFiles(const std::string&) { return {}; }
 
@@ -44,7 +43,8 @@ const std::vector<Target>& targetTable() {
          return "\n**** Save " + target_file_name(m, Module::OutputFile, ".qnc") + "\n\n";
        },
        qncFiles, [](Module& m) { m.save(); }},
-      {"-debug", &Compilation::DebugFlag, "the debug trace", false, none, debugFiles, nullptr},
+      {"-debug", &Compilation::DebugFlag, "the debug trace", false, none, debugFiles,
+       [](Module& m) { m.printDebug(); }},
       {"-pure_simul", &Compilation::PureSimulFlag, "the pure simulation", false,
        [](const std::string& m) { return "\n*** Simulate " + m + "\n"; }, noFiles, nullptr},
       {"-valued_simul", &Compilation::ValuedSimulFlag, "the valued simulation", false,
