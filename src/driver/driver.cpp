@@ -232,11 +232,11 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
     Module* copy = new Module(*mainModule);
     copy->finalize(0);
     if (Compilation::SMVFlag) {
-      // TODO(targets): copy->printSMV();
+      copy->printSMV();
     }
     if (Compilation::BLIFFlag) {
       std::cerr << "\n*** generate " << name << ".blif" << std::endl;
-      // TODO(targets): copy->printBLIF();
+      copy->printBLIF();
     }
     if (Compilation::CFlag) {
       std::cerr << "\n*** generate " << name << ".c and " << name << ".h" << std::endl;
