@@ -143,11 +143,7 @@ void Module::BLIF_put(std::ostream& out, int /*no_wires*/) {
 }
 
 void Module::printBLIF() {
-  std::string path = OutputDir + "/" + target_file_name(name, OutputFile, ".blif");
-  std::ofstream out(path);
-  if (!out) {
-    fl_show_Smessages("Cannot open output file: " + path);
-    std::cerr << "Cannot open output file: " << path << std::endl;
-  }
+  std::ofstream out;
+  open_target(out, target_path(name, ".blif", true), false);
   BLIF_put(out, !Compilation::KeepWiresFlag);
 }

@@ -9,7 +9,6 @@
 #include "bdd/bddpp.h"
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
-#include "gui/formspp.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
 #include "targets/formats.h"
@@ -127,13 +126,8 @@ void Module::NUSMV_put(std::ostream& out, int /*version*/, int /*no_wires*/) {
 }
 
 void Module::printSMV() {
-  std::string path = OutputDir + "/" + target_file_name(name, OutputFile, ".smv");
-  if (std::ifstream(path)) std::cerr << "File: " << path << " already exists. File rewrited." << std::endl;
-  std::ofstream out(path);
-  if (!out) {
-    fl_show_Smessages("Cannot open output file: " + path);
-    std::cerr << "Cannot open output file: " << path << std::endl;
-  }
+  std::ofstream out;
+  open_target(out, target_path(name, ".smv", true), true);
   if (!finalised) finalize(0);
   NUSMV_put(out, 2, !Compilation::KeepWiresFlag);
 }
