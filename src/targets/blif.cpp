@@ -86,7 +86,12 @@ void Module::BLIF_put(std::ostream& out, int /*no_wires*/) {
   out << ".model " << m << "\n";
 
   if (!finalised) out << ".inputs" << " _s_SET" << m << " _s_RESET" << m;
-  if (inputList && !inputList->empty()) {
+  // The data signals (presence of data conditions) are read by the nodes: they are inputs
+  // of the netlist even in a module without inputs, else they would be undriven.
+  bool data_inputs = false;
+  if (dataSignalList)
+    for (Signal* s : *dataSignalList) data_inputs = data_inputs || has_id(s->getOverBddId(this, wood));
+  if ((inputList && !inputList->empty()) || data_inputs) {
     if (finalised) out << ".inputs";
     auto put_signal = [&](Signal* s) {
       long over = s->getOverBddId(this, wood);
@@ -94,10 +99,11 @@ void Module::BLIF_put(std::ostream& out, int /*no_wires*/) {
       long under = s->getUnderBddId(this, wood);
       if (!finalised && has_id(under)) out << " " << wire(under);
     };
-    for (Signal* s : *inputList) {
-      if (s->isValued(this)) valued_not_supported(s->getOriginalName());
-      put_signal(s);
-    }
+    if (inputList)
+      for (Signal* s : *inputList) {
+        if (s->isValued(this)) valued_not_supported(s->getOriginalName());
+        put_signal(s);
+      }
     if (dataSignalList)
       for (Signal* s : *dataSignalList) put_signal(s);
   }
