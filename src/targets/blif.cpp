@@ -7,7 +7,7 @@
 #include "bdd/bddpp.h"
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
 #include "targets/formats.h"
@@ -15,14 +15,14 @@
 namespace {
 
 [[noreturn]] void blif_failure(const std::string& text) {
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
   std::exit(1);
 }
 
 void valued_not_supported(const std::string& name) {
   const std::string text = "ERROR: valued signal " + name + " is not supported in blif generation!";
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
 }
 
