@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 
 #include "bdd/bddpp.h"
 #include "driver/compilation.h"
@@ -149,6 +150,11 @@ void Module::BLIF_put(std::ostream& out, int /*no_wires*/) {
 }
 
 void Module::printBLIF() {
+  // A module the netlist can't be written for ends the run before its file is made.
+  if (!compilation || !getBddWood()) {
+    std::ostringstream none;
+    BLIF_put(none, !Compilation::KeepWiresFlag);
+  }
   std::ofstream out;
   open_target(out, target_path(name, ".blif", true), false);
   BLIF_put(out, !Compilation::KeepWiresFlag);
