@@ -27,9 +27,11 @@ std::vector<std::string> noFiles(const std::string&) { return {}; }
 
 const std::vector<Target>& targetTable() {
   static const std::vector<Target> table = {
-      {"-nusmv", &Compilation::SMVFlag, "the NuSMV model", true, none, smvFiles, nullptr},
+      {"-nusmv", &Compilation::SMVFlag, "the NuSMV model", true, none, smvFiles,
+       [](Module& m) { m.printSMV(); }},
       {"-blif", &Compilation::BLIFFlag, "the BLIF netlist", true,
-       [](const std::string& m) { return generate(m + ".blif"); }, blifFiles, nullptr},
+       [](const std::string& m) { return generate(m + ".blif"); }, blifFiles,
+       [](Module& m) { m.printBLIF(); }},
       {"-c", &Compilation::CFlag, "the C code", true,
        [](const std::string& m) { return generate(m + ".c and " + m + ".h"); }, cFiles,
        [](Module& m) { m.printC(); }},
