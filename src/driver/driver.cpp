@@ -244,7 +244,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
     }
     if (Compilation::CSHARPFlag) {
       std::cerr << "\n*** generate " << name << ".cs" << std::endl;
-      // TODO(targets): copy->printCSHARP();
+      copy->printCSHARP();
     }
     if (Compilation::VHDLALTERAFlag) {
       std::cerr << "\n*** generate " << name << ".vhd" << std::endl;
