@@ -127,7 +127,8 @@ void Module::CSharp_put_equation(std::ostream& out, const std::string& node_arra
     Signal* clock = b->getClock();
     const std::string c = wood->Name_var_by_index(clock->getOverBddId(this, wood));
     const std::string t = clock->getValueType(this);
-    out << "   if (" << c << ") " << "\n" << "      {" << "\n";
+    // The clock's presence comes later in the sort: its emission wire guards the action.
+    out << "   if (" << e->my_bddname() << ") " << "\n" << "      {" << "\n";
     out << "          if (" << e->my_bddname() << ") " << "\n" << "            {" << "\n";
     out << "               " << c << "_val = ";
     b->getValue()->CSharp_put(out, this);

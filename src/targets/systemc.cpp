@@ -85,9 +85,10 @@ void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
       header << ", " << t << " " << w << "_val";
     }
   }
+  // An output's final value is written to its initial occurrence, as in C.
   for (Signal* s : outputs) {
-    long over = s->getOverBddId(this, wood);
-    if (!has_id(over) || bound(s)) continue;
+    long over = s->getInitialOverBddId(this, wood);
+    if (!has_id(s->getOverBddId(this, wood)) || bound(s)) continue;
     const std::string w = wire(over);
     const std::string sep = first ? "int* " : ", int*";
     first = false;
@@ -106,15 +107,13 @@ void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
   std::set<long> used = wood->Set_of_index_used_variables();
   for (Signal* s : inputs) used.erase(s->getOverBddId(this, wood));
   for (regclass* r : registers) used.erase(r->actual_var()->getOverBddId(this, wood));
-  for (Signal* s : outputs) {
-    used.erase(s->getOverBddId(this, wood));
-    used.erase(s->getUnderBddId(this, wood));
-  }
+  // An output's under wire is no parameter: it stays a local of the step.
+  for (Signal* s : outputs) used.erase(s->getInitialOverBddId(this, wood));
   for (long id : used)
     if (has_id(id)) code << "  int " << wire(id) << ";" << "\n";
   for (Signal* s : locals) {
     if (!s->isValued(this) || getBinding(s->getName(this))) continue;
-    long over = s->getOverBddId(this, wood);
+    long over = s->getInitialOverBddId(this, wood);
     if (!has_id(over)) continue;
     // The value of a local is written and read under its over wire.
     const std::string t = s->getValueType(this);
@@ -131,7 +130,8 @@ void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
     for (auto& [key, b] : *dataTable) {
       Signal* c = b->getClock();
       if (!c) {
-        code << wire(b->getSignal()->getUnderBddId(this, wood)) << " = ";
+        // The equations read the over wire of the bound signal.
+        code << wire(b->getSignal()->getOverBddId(this, wood)) << " = ";
         b->getValue()->C_put(code, this);
         code << ";" << "\n";
         continue;
@@ -143,7 +143,7 @@ void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
     wood->Put_c(code, n, pointer_wires);
     for (Signal* c : clocks) {
       const std::string s = c->isOutput() ? "*" : "";
-      const std::string w = wire(c->getOverBddId(this, wood));
+      const std::string w = wire(c->getInitialOverBddId(this, wood));
       code << "if (" << s << w << ")  {" << "\n";
       bool first_binding = true;
       for (DataBinding* b : by_clock[c]) {
