@@ -9,7 +9,6 @@
 #include "bdd/bddpp.h"
 #include "data/data.h"
 #include "driver/compilation.h"
-#include "gui/formspp.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
@@ -315,12 +314,7 @@ void Module::CSharp_put(std::ostream& out) {
 }
 
 void Module::printCSHARP() {
-  const std::string path = OutputDir + "/" + target_file_name(name, OutputFile, ".cs");
-  std::ofstream out(path);
-  if (!out) {
-    const std::string text = "Cannot open output file: " + path;
-    fl_show_Smessages(text);
-    std::cerr << text << std::endl;
-  }
+  std::ofstream out;
+  open_target(out, target_path(name, ".cs", true), false);
   CSharp_put(out);
 }

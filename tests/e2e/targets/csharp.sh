@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Replays a reaction trace through the C# component of a module:
-#   csharp.sh MODULE TRACE   (MODULE.cs made by "quarnc -csharp" in the current directory)
+# The C# target of the reaction traces: csharp.sh MODULE LINES (see README.md).
+# Reads MODULE.cs made by "quarnc -csharp", or makes it.
 # Builds MODULE.cs with the bean environment of csharp/ (and MODULE_user.cs, the case's
 # other half of the class for user types and methods, when present), then sends each
 # reaction's inputs as one event string and prints "N / OUT OUT=value".
@@ -8,6 +8,8 @@ set -eu
 m=$1
 trace=$2
 here=$(cd "$(dirname "$0")" && pwd)
+. "$here/lib.sh"
+[ -f "$m.cs" ] || REGENERATE_OPTIONS=-csharp regenerate
 [ -f "$m.cs" ] || { echo "csharp: $m.cs missing" >&2; exit 1; }
 sources=("$here/csharp/Env.cs" "$here/csharp/Driver.cs" "$m.cs")
 [ -f "${m}_user.cs" ] && sources+=("${m}_user.cs")
@@ -17,9 +19,7 @@ if ! mcs -nologo -nowarn:219,414,162,168 -out:"csharp_$m.exe" "${sources[@]}" > 
   exit 1
 fi
 # One event string per reaction: the input words of the line, ";" between them.
-while IFS= read -r line || [ -n "$line" ]; do
-  line=${line%%#*}
-  [ -n "$(echo "$line" | tr -d ' \t')" ] || continue
+while IFS= read -r line; do
   echo ${line%%/*} | tr ' ' ';'
 done < "$trace" > "csharp_$m.events"
 timeout 60 mono "csharp_$m.exe" < "csharp_$m.events"

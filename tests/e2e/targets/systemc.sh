@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Replays a reaction trace through the SystemC form of a module's step function:
-#   systemc.sh MODULE TRACE   (MODULE_sc.cpp and MODULE_sc.h written by quarn_systemc)
+# The SystemC target of the reaction traces: systemc.sh MODULE LINES (see README.md).
+# quarnc has no option for the SystemC form: quarn_systemc, built beside quarnc, writes
+# MODULE_sc.cpp and MODULE_sc.h from the case's arguments.
 # A generated SC_MODULE takes the inputs' presences on sc_in ports and gives the
 # outputs' on sc_out ports; values travel in members. The user types come from
 # MODULE_typedecl.h; without one, the case's C_data_user_<type>.h files stand for it.
@@ -8,6 +9,10 @@
 set -eu
 m=$1
 trace=$2
+if [ ! -f "${m}_sc.cpp" ]; then
+  eval "set -- $QUARNC_ARGS"
+  timeout 60 "$(dirname "$QUARNC")/quarn_systemc" "$@" > systemc_tool.log 2>&1 || { cat systemc_tool.log >&2; exit 1; }
+fi
 [ -f "${m}_sc.cpp" ] && [ -f "${m}_sc.h" ] || { echo "systemc: ${m}_sc.cpp or ${m}_sc.h missing" >&2; exit 1; }
 if grep -q "#include \"${m}_typedecl.h\"" "${m}_sc.h" && [ ! -f "${m}_typedecl.h" ]; then
   types=$(sed -n "/should be defined in file/{n;p;}" "${m}_sc.cpp" | tr -d ';' | tr ',' ' ')
@@ -72,9 +77,7 @@ done
   done
   echo "  ${m}_reset_automaton();"
   n=0
-  while IFS= read -r line || [ -n "$line" ]; do
-    line=${line%%#*}
-    [ -n "$(echo "$line" | tr -d ' \t')" ] || continue
+  while IFS= read -r line; do
     n=$((n + 1))
     for i in "${!names[@]}"; do [ "${kinds[$i]}" = in ] && echo "  s_${names[$i]}.write(0);"; done
     for w in ${line%%/*}; do
@@ -102,4 +105,4 @@ done
   echo "}"
 } > systemc_harness.cpp
 g++ -O0 -w -o systemc_harness systemc_harness.cpp -lsystemc 2> systemc_harness.log || { cat systemc_harness.log >&2; echo "systemc: $m does not build" >&2; exit 1; }
-SC_COPYRIGHT_MESSAGE=DISABLE ./systemc_harness
+SC_COPYRIGHT_MESSAGE=DISABLE timeout 60 ./systemc_harness
