@@ -153,7 +153,9 @@ bool Substitutable(Bddexpressionwood& wood, long index, Bddexpression* e, const 
 
 }  // namespace
 
-void Bddexpressionwood::suppress_local(long index) {
+void Bddexpressionwood::suppress_local(long index) { suppress_local(index, std::list<int>()); }
+
+void Bddexpressionwood::suppress_local(long index, const std::list<int>& types) {
   if (index < 0 || index >= nb_bdd_vars) return;
   Bddexpression* e = exp_table[index];
   if (!Substitutable(*this, index, e, readers[index])) return;
@@ -166,7 +168,7 @@ void Bddexpressionwood::suppress_local(long index) {
   exp_table[index] = nullptr;
   readers[index].clear();
   exp_ids.erase(index);
-  constants_propagation();
+  constants_propagation(types);
   Prune_readers();
 }
 
