@@ -1,5 +1,5 @@
 # Top-level entry points. `make demo` and `make test` work on a fresh Debian machine as root.
-PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev python3
+PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev python3 valgrind
 FUZZ_PACKAGES := clang libclang-rt-14-dev
 BENCH_PACKAGES := libbdd-dev libbenchmark-dev
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
@@ -47,10 +47,12 @@ bench: bench-deps
 	cmake --build build -j $(JOBS)
 	@for b in build/bench/*_bench; do [ -x "$$b" ] && "$$b"; done
 
-# Each libFuzzer harness for FUZZ_TIME seconds, from the corpus in fuzz/corpus (new
+# Each libFuzzer harness for FUZZ_TIME seconds (an input may take FUZZ_TIMEOUT), from the
+# corpus in fuzz/corpus (new
 # inputs go to build-fuzz/corpus, crashes to build-fuzz/crash-*); then FUZZ_COUNT random
 # programs from FUZZ_SEED, checked differentially.
 FUZZ_TIME ?= 60
+FUZZ_TIMEOUT ?= 1
 FUZZ_SEED ?= 1000
 FUZZ_COUNT ?= 1000
 FUZZ_HARNESSES := quarn qnc bddexp cmdline
@@ -60,7 +62,7 @@ fuzz: fuzz-deps
 	@for h in $(FUZZ_HARNESSES); do \
 	  mkdir -p build-fuzz/corpus/$$h; echo "*** fuzz_$$h for $(FUZZ_TIME) s"; \
 	  QUARN_BATCH=1 ASAN_OPTIONS=detect_leaks=0 build-fuzz/fuzz/fuzz_$$h build-fuzz/corpus/$$h fuzz/corpus/$$h \
-	    -max_total_time=$(FUZZ_TIME) -timeout=1 -max_len=4096 -rss_limit_mb=4096 -close_fd_mask=3 \
+	    -max_total_time=$(FUZZ_TIME) -timeout=$(FUZZ_TIMEOUT) -max_len=4096 -rss_limit_mb=4096 -close_fd_mask=3 \
 	    -print_final_stats=1 -artifact_prefix=build-fuzz/crash-$$h- || exit 1; \
 	done
 	cmake -S . -B build-san -DCMAKE_BUILD_TYPE=Debug -DQUARN_SANITIZE=ON -DQUARN_TESTS=ON
