@@ -48,9 +48,8 @@ bench: bench-deps
 	@for b in build/bench/*_bench; do [ -x "$$b" ] && "$$b"; done
 
 # Each libFuzzer harness for FUZZ_TIME seconds (an input may take FUZZ_TIMEOUT), from the
-# corpus in fuzz/corpus (new
-# inputs go to build-fuzz/corpus, crashes to build-fuzz/crash-*); then FUZZ_COUNT random
-# programs from FUZZ_SEED, checked differentially.
+# corpus in fuzz/corpus (new inputs go to build-fuzz/corpus, crashes to build-fuzz/crash-*);
+# then FUZZ_COUNT random programs from FUZZ_SEED, checked differentially.
 FUZZ_TIME ?= 60
 FUZZ_TIMEOUT ?= 1
 FUZZ_SEED ?= 1000
