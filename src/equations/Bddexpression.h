@@ -261,6 +261,8 @@ class Bddexpressionwood {
   void suppress_wires(const std::list<int>& types);
   void suppress_wires();
   void suppress_local(long index);
+  // The same, with the constants that it brings about propagated under protection `types`.
+  void suppress_local(long index, const std::list<int>& types);
   void suppress_locals(const std::list<int>& types);
   void suppress_locals();
   // Substitutes the equation into its readers and leaves it with none.

@@ -249,7 +249,9 @@ bool Substitutable(Bddexpressionwood& wood, long index, Bddexpression* e, const 
 
 }  // namespace
 
-void Bddexpressionwood::suppress_local(long index) {
+void Bddexpressionwood::suppress_local(long index) { suppress_local(index, std::list<int>()); }
+
+void Bddexpressionwood::suppress_local(long index, const std::list<int>& types) {
   if (index < 0 || index >= nb_bdd_vars) return;
   Bddexpression* e = exp_table[index];
   if (!Substitutable(*this, index, e, readers[index])) return;
@@ -263,7 +265,7 @@ void Bddexpressionwood::suppress_local(long index) {
   exp_table[index] = nullptr;
   Reader_clear(index);
   exp_ids.erase(index);
-  constants_propagation();
+  constants_propagation(types);
   Prune_readers();
 }
 
