@@ -1,5 +1,5 @@
 # Top-level entry points. `make demo` and `make test` work on a fresh Debian machine as root.
-PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev xvfb xdotool x11-apps ghostscript poppler-utils
+PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev xvfb xdotool x11-apps x11-utils ghostscript poppler-utils
 BENCH_PACKAGES := libbdd-dev libbenchmark-dev
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)

@@ -28,7 +28,7 @@ CASE=$(realpath "$2")
 shift 2
 XW_TIMEOUT=${XW_TIMEOUT:-20}
 
-for tool in Xvfb xdotool xwd; do
+for tool in Xvfb xdotool xwd xwininfo; do
   if ! command -v "$tool" >/dev/null; then
     echo "skipped: $tool is not installed"
     exit 77
@@ -48,8 +48,11 @@ cleanup() {
 }
 trap cleanup EXIT
 
+# A failure inside $(...) ends the whole case too.
+trap 'exit 1' USR1
 xw_fail() {
   echo "FAIL: $*" >&2
+  [ "$BASHPID" != "$$" ] && kill -USR1 $$
   for f in "$ART"/*.err; do
     [ -s "$f" ] && { echo "--- $f" >&2; tail -n 20 "$f" >&2; }
   done
@@ -57,11 +60,12 @@ xw_fail() {
 }
 
 # The server writes its display number on a pipe once it accepts connections.
-exec 3< <(Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>"$ART/xvfb.err" & echo "pid $!")
+exec 3< <(Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp -noreset 2>"$ART/xvfb.err" & echo "pid $!")
 read -r -t 10 _ XVFB_PID <&3 || xw_fail "Xvfb did not start"
 read -r -t 10 display_number <&3 || xw_fail "Xvfb gave no display"
 export DISPLAY=":$display_number"
 unset QUARN_BATCH
+export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=0}
 
 xw_launch() {
   local name=$1
@@ -81,8 +85,10 @@ xw_until() {
   done
 }
 
+xw_holds() { grep -qF -- "$2" "$1" 2>/dev/null; }
+
 xw_dump_has() {
-  xw_until "\"$2\" in $1.dump" grep -qF -- "$2" "$ART/$1.dump" 2>/dev/null
+  xw_until "\"$2\" in $1.dump" xw_holds "$ART/$1.dump" "$2"
 }
 
 # The X id of the latest shown state of a window, from its dump line
@@ -97,13 +103,18 @@ xw_window() {
   wid=$(xw_find_window "$1" "$2")
   [ -n "$wid" ] || xw_fail "no id for window $2"
   # The window is drawn once it is viewable.
-  xw_until "window $2 mapped" xdotool getwindowname "$wid" >/dev/null 2>&1
+  xw_until "window $2 mapped" xw_viewable "$wid"
   sleep 0.3
   echo "$wid"
 }
 
+xw_viewable() { xwininfo -id "$1" 2>/dev/null | grep -q "IsViewable"; }
+xw_not_viewable() { ! xw_viewable "$1"; }
+
 xw_gone() {
-  xw_until "window $2 to close" bash -c "! xdotool search --onlyvisible --name '^$2\$' >/dev/null 2>&1"
+  local wid
+  wid=$(xw_find_window "$1" "$2")
+  [ -z "$wid" ] || xw_until "window $2 to close" xw_not_viewable "$wid"
 }
 
 xw_labels() {

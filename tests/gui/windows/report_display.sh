@@ -15,7 +15,7 @@ xw_key ctrl+a
 xw_type "3"
 xw_click "$wid" 200 655  # go
 xw_dump_has report '"page 3 / 3    "'
-xw_dump_has report 'lines 16 first "@f@S14 46: OR(_s_A46'
+xw_dump_has report 'lines 16 first "@f@S14 49: OR(_s_A49'
 xw_click "$wid" 360 670  # previous page
 xw_dump_has report 'page 2 / 3    '
 xw_key ctrl+a
