@@ -2,6 +2,7 @@
 
 #include <FL/Fl_Box.H>
 #include <FL/Fl_Browser.H>
+#include <FL/Fl_Double_Window.H>
 #include <FL/Fl_Int_Input.H>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -212,6 +213,27 @@ TEST_F(Display, Paging) {
   EXPECT_EQ(d.page(), 2);
   d.page_numero(1);
   EXPECT_STREQ(d.page_text()->label(), "page 2 / 3    ");
+}
+
+TEST(DisplayForm, LabelsAndGeometry) {
+  const struct {
+    int english;
+    std::vector<std::string> labels;
+  } cases[] = {
+      {1, {"next page", "previous page", "CANCEL", "pdf file", "text file"}},
+      {0, {"page suivante", "page precedente", "ANNULER", "fichier pdf", "fichier texte"}},
+  };
+  for (const auto& c : cases) {
+    OFD_afficheur d(nullptr, c.english);
+    EXPECT_EQ(d.form()->w(), 920);
+    EXPECT_EQ(d.form()->h(), 700);
+    EXPECT_FALSE(d.form()->shown());
+    std::vector<std::string> labels;
+    for (int i = 0; i < d.form()->children(); i++)
+      if (d.form()->child(i)->label() != nullptr && *d.form()->child(i)->label() != '@')
+        labels.push_back(d.form()->child(i)->label());
+    EXPECT_EQ(labels, c.labels);
+  }
 }
 
 TEST_F(Display, BrowserLinesAreCut) {

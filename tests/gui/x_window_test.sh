@@ -104,7 +104,7 @@ xw_window() {
   [ -n "$wid" ] || xw_fail "no id for window $2"
   # The window is drawn once it is viewable.
   xw_until "window $2 mapped" xw_viewable "$wid"
-  sleep 0.3
+  sleep 0.1
   echo "$wid"
 }
 
@@ -127,17 +127,17 @@ xw_labels() {
 
 xw_click() {
   xdotool mousemove --window "$1" "$2" "$3" click 1
-  sleep 0.3
+  sleep 0.1
 }
 
 xw_type() {
   xdotool type --delay 30 -- "$1"
-  sleep 0.2
+  sleep 0.1
 }
 
 xw_key() {
   xdotool key "$1"
-  sleep 0.2
+  sleep 0.1
 }
 
 # An xwd file starts with big-endian 32-bit fields; width and height are the 5th and 6th.
