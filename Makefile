@@ -1,5 +1,5 @@
 # Top-level entry points. `make demo` and `make test` work on a fresh Debian machine as root.
-PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev ghdl berkeley-abc yosys iverilog python3 mono-mcs mono-runtime libsystemc-dev valgrind
+PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev ghdl berkeley-abc yosys iverilog python3 mono-mcs mono-runtime libsystemc-dev valgrind xvfb xdotool x11-apps x11-utils ghostscript poppler-utils
 FUZZ_PACKAGES := clang libclang-rt-14-dev
 BENCH_PACKAGES := libbdd-dev libbenchmark-dev
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
