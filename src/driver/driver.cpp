@@ -1,12 +1,14 @@
 #include "driver/driver.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 
 #include "data/data.h"
 #include "driver/compilation.h"
 #include "gui/formspp.h"
 #include "model/module.h"
+#include "sim/sim_support.h"
 #include "util/g_time.h"
 #include "util/version.h"
 
@@ -187,6 +189,35 @@ std::string quarnsBuildCommand(const std::string& moduleName,
   return command;
 }
 
+// Builds the data server with the user's files and runs it; the server starts the
+// simulator "quarns". A missing user file or a failed build ends the run with status 1.
+void runValuedSimulator(const std::string& name) {
+  std::list<std::string> types;  // ascending type names; none without a data section
+  if (Compilation::GDataTypeTable != nullptr)
+    for (const auto& [type, index] : Compilation::GDataTypeTable->getTypeTable()) types.push_back(type);
+  for (const std::string& t : types)
+    for (const char* ext : {".h", ".cc"}) {
+      std::string file = "quarns_data_user_" + t + ext;
+      if (!std::ifstream(file)) {
+        std::cerr << "quarnc: -valued_simul: missing user file " << file << " (check_" << t << ", string_to_"
+                  << t << ", " << t << "_to_string and the methods of " << t << ")" << std::endl;
+        std::exit(1);
+      }
+    }
+  std::string build = quarnsBuildCommand(name, types);
+  std::cerr << "calling: " << build << std::endl;
+  if (quarn_sim_run(build) != 0) {
+    std::cerr << "quarnc: -valued_simul: the server quarns_" << name << " does not build" << std::endl;
+    std::exit(1);
+  }
+  std::string run = "./quarns_" + name;
+  std::cerr << "calling: " << run << std::endl;
+  if (quarn_sim_run(run) != 0) {
+    std::cerr << "quarnc: -valued_simul: the server quarns_" << name << " ended with a failure" << std::endl;
+    std::exit(1);
+  }
+}
+
 int runPipeline(const std::string& sourceFile, const std::string& mainName,
                 bool helpAmongOthers) {
   if (Compilation::HelpFlag) showHelp(helpAmongOthers);
@@ -260,25 +291,16 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   }
   if (Compilation::PureSimulFlag) {
     std::cerr << "\n*** Simulate " << name << std::endl;
-    // TODO(model): mainModule->simulate();
+    mainModule->simulate();
   }
   if (Compilation::ValuedSimulFlag) {
     std::cerr << "\n*** Simulate  with valued simulator" << std::endl;
-    // TODO(model): mainModule->save_quarns_code();
-    std::list<std::string> types;  // ascending type names; none without a data section
-    if (Compilation::GDataTypeTable != nullptr)
-      for (const auto& [type, index] : Compilation::GDataTypeTable->getTypeTable())
-        types.push_back(type);
-    std::string build = quarnsBuildCommand(name, types);
-    std::cerr << "calling: " << build << std::endl;
-    (void)!std::system(build.c_str());
-    std::string run = "./quarns_" + name;
-    std::cerr << "calling: " << run << std::endl;
-    (void)!std::system(run.c_str());
+    mainModule->save_quarns_code();
+    runValuedSimulator(name);
   }
   if (Compilation::QuarnsFlag) {
     std::cerr << "\n*** Save File for quarns:" << name << std::endl;
-    // TODO(model): mainModule->save_quarns_code();
+    mainModule->save_quarns_code();
   }
 
   long ms = chrono.Stop();

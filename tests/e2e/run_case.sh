@@ -3,6 +3,8 @@
 # The case's directory is copied to a scratch directory and quarnc runs there.
 set -u
 quarnc=$1
+# `then:` commands may run quarnc again (and the simulators built beside it).
+export QUARNC=$(cd "$(dirname "$quarnc")" && pwd)/$(basename "$quarnc")
 case_file=$2
 case_dir=$(dirname "$case_file")
 case_name=$(basename "$case_file" .run)
