@@ -20,6 +20,7 @@ const char* const Usage =
     "  -t TRACE  runs the reactions of TRACE (\"inputs / outputs\" lines) and prints\n"
     "            \"N / outputs\" for each; also TARVIX_TRACE=TRACE\n"
     "  -w FILE   writes the waveforms there (default BASE.vcd); also TARVIX_VCD=FILE\n"
+    "  -o FILE   writes the reactions there (default: standard output); also TARVIX_OUTPUT=FILE\n"
     "  Without a trace the input and output panels drive the run; they need a display.\n";
 
 int usage() {
@@ -34,7 +35,7 @@ std::string outputsText(const Netlist& net, const std::map<std::string, int>& va
   return text;
 }
 
-int runPanels(NetlistSim& sim, VcdWriter& vcd) {
+int runPanels(NetlistSim& sim, VcdWriter& vcd, std::ostream& out) {
   const Netlist& net = sim.netlist();
   OFD_simulator_input inputs(400);
   for (const std::string& i : net.inputs) inputs.add(i);
@@ -58,7 +59,7 @@ int runPanels(NetlistSim& sim, VcdWriter& vcd) {
       if (chosen[i]) present.insert(net.inputs[i]);
     std::map<std::string, int> values = sim.react(present);
     vcd.sample(n++, values);
-    std::cout << n << " /" << outputsText(net, values) << std::endl;
+    out << n << " /" << outputsText(net, values) << std::endl;
     for (size_t i = 0; i < net.outputs.size(); i++) shown[i] = values[net.outputs[i]];
     outputs.eval(shown.data());
   }
@@ -69,11 +70,12 @@ int runPanels(NetlistSim& sim, VcdWriter& vcd) {
 int main(int argc, char** argv) {
   std::string trace = std::getenv("TARVIX_TRACE") ? std::getenv("TARVIX_TRACE") : "";
   std::string waves = std::getenv("TARVIX_VCD") ? std::getenv("TARVIX_VCD") : "";
+  std::string output = std::getenv("TARVIX_OUTPUT") ? std::getenv("TARVIX_OUTPUT") : "";
   std::string base;
   for (int i = 1; i < argc; i++) {
     std::string a = argv[i];
-    if ((a == "-t" || a == "-w") && i + 1 < argc)
-      (a == "-t" ? trace : waves) = argv[++i];
+    if ((a == "-t" || a == "-w" || a == "-o") && i + 1 < argc)
+      (a == "-t" ? trace : a == "-w" ? waves : output) = argv[++i];
     else if (a.empty() || a[0] == '-' || !base.empty())
       return usage();
     else
@@ -107,11 +109,20 @@ int main(int argc, char** argv) {
     std::cerr << "tarvix: cannot write " << waves << std::endl;
     return 1;
   }
+  std::ofstream outFile;
+  if (!output.empty()) {
+    outFile.open(output);
+    if (!outFile) {
+      std::cerr << "tarvix: cannot write " << output << std::endl;
+      return 1;
+    }
+  }
+  std::ostream& out = output.empty() ? std::cout : outFile;
   NetlistSim sim(net);
   VcdWriter vcd(wave, net);
   std::set<std::string> inputs(net.inputs.begin(), net.inputs.end());
   try {
-    if (trace.empty()) return runPanels(sim, vcd);
+    if (trace.empty()) return runPanels(sim, vcd, out);
     long n = 0;
     for (const TraceReaction& r : reactions) {
       std::set<std::string> present;
@@ -124,7 +135,7 @@ int main(int argc, char** argv) {
       }
       std::map<std::string, int> values = sim.react(present);
       vcd.sample(n++, values);
-      std::cout << n << " /" << outputsText(net, values) << std::endl;
+      out << n << " /" << outputsText(net, values) << std::endl;
     }
     vcd.finish(n);
   } catch (const std::exception& e) {
