@@ -1,65 +1,39 @@
 #include "driver/driver.h"
 
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 
 #include "data/data.h"
 #include "driver/compilation.h"
 #include "gui/formspp.h"
 #include "model/module.h"
-#include "sim/sim_support.h"
+#include "targets/formats.h"
+#include "targets/target_table.h"
 #include "util/g_time.h"
 #include "util/version.h"
 
 namespace {
 
-// Flag options: the option word and the field it sets.
+// Option words that set a flag of their own and start no stage; the stages' words come
+// from the target table.
 struct FlagOption {
   const char* word;
-  bool CommandLine::*field;
-};
-const FlagOption kFlagOptions[] = {
-    {"-debug", &CommandLine::debug},
-    {"-pure_simul", &CommandLine::pureSimul},
-    {"-valued_simul", &CommandLine::valuedSimul},
-    {"-quarns", &CommandLine::quarns},
-    {"-qnc", &CommandLine::save},
-    {"-keep_wires", &CommandLine::keepWires},
-    {"-forget_l_name", &CommandLine::forgetLocalsName},
-    {"-check_overknowledge", &CommandLine::checkOverKnowledge},
-    {"-h", &CommandLine::help},
-    {"-v", &CommandLine::version},
-    {"-c", &CommandLine::c},
-    {"-csharp", &CommandLine::csharp},
-    {"-blif", &CommandLine::blif},
-    {"-nusmv", &CommandLine::smv},
-    {"-vhdl_altera", &CommandLine::vhdlAltera},
-};
-
-// Where each field of the command line goes among Compilation's flags.
-struct FlagTarget {
-  bool CommandLine::*field;
   bool* flag;
 };
-const FlagTarget kFlagTargets[] = {
-    {&CommandLine::debug, &Compilation::DebugFlag},
-    {&CommandLine::pureSimul, &Compilation::PureSimulFlag},
-    {&CommandLine::valuedSimul, &Compilation::ValuedSimulFlag},
-    {&CommandLine::quarns, &Compilation::QuarnsFlag},
-    {&CommandLine::main, &Compilation::MainFlag},
-    {&CommandLine::save, &Compilation::SaveFlag},
-    {&CommandLine::help, &Compilation::HelpFlag},
-    {&CommandLine::version, &Compilation::VersionFlag},
-    {&CommandLine::keepWires, &Compilation::KeepWiresFlag},
-    {&CommandLine::forgetLocalsName, &Compilation::ForgetLocalsNameFlag},
-    {&CommandLine::checkOverKnowledge, &Compilation::CheckOverKnowledgeFlag},
-    {&CommandLine::smv, &Compilation::SMVFlag},
-    {&CommandLine::c, &Compilation::CFlag},
-    {&CommandLine::csharp, &Compilation::CSHARPFlag},
-    {&CommandLine::blif, &Compilation::BLIFFlag},
-    {&CommandLine::vhdlAltera, &Compilation::VHDLALTERAFlag},
+const FlagOption kFlagOptions[] = {
+    {"-keep_wires", &Compilation::KeepWiresFlag},
+    {"-forget_l_name", &Compilation::ForgetLocalsNameFlag},
+    {"-check_overknowledge", &Compilation::CheckOverKnowledgeFlag},
+    {"-h", &Compilation::HelpFlag},
+    {"-v", &Compilation::VersionFlag},
 };
+
+bool* flagOf(const std::string& word) {
+  for (const FlagOption& f : kFlagOptions)
+    if (word == f.word) return f.flag;
+  const Target* t = findTarget(word);
+  return t ? t->flag : nullptr;
+}
 
 // A wrong command line: message box, error stream, exit 1.
 [[noreturn]] void commandLineFailure(const std::string& text) {
@@ -122,22 +96,17 @@ CommandLine scanCommandLine(const std::vector<std::string>& args) {
       }
       continue;
     }
-    bool known = false;
-    for (const FlagOption& f : kFlagOptions) {
-      if (a == f.word) {
-        cl.*(f.field) = true;
-        known = true;
-        break;
-      }
-    }
-    if (!known) cl.unknownOptions.push_back(a);
+    if (flagOf(a))
+      cl.flags.insert(a);
+    else
+      cl.unknownOptions.push_back(a);
   }
   return cl;
 }
 
 void applyCommandLine(const CommandLine& cl) {
-  for (const FlagTarget& t : kFlagTargets)
-    if (cl.*(t.field)) *t.flag = true;
+  for (const std::string& w : cl.flags) *flagOf(w) = true;
+  if (cl.main) Compilation::MainFlag = true;
   if (cl.outputFile) Module::OutputFile = *cl.outputFile;
   if (cl.outputDir) Module::OutputDir = *cl.outputDir;
   if (cl.compilationFiles)
@@ -175,54 +144,19 @@ std::string mainNameFromPath(const std::string& path) {
   return cut.substr(slash + 1);
 }
 
-std::string shownQncName(const std::string& moduleName, const std::string& outputFile) {
-  if (outputFile.empty()) return moduleName + ".qnc";
-  if (outputFile.find(".qnc") != std::string::npos) return outputFile;
-  return outputFile + ".qnc";
-}
-
-std::string quarnsBuildCommand(const std::string& moduleName,
-                               const std::list<std::string>& typeNames) {
-  std::string command = "g++ quarns_" + moduleName + ".cc ";
-  for (const std::string& t : typeNames) command += "quarns_data_user_" + t + ".cc ";
-  command += "-o quarns_" + moduleName;
-  return command;
-}
-
-// Builds the data server with the user's files and runs it; the server starts the
-// simulator "quarns". A missing user file or a failed build ends the run with status 1.
-void runValuedSimulator(const std::string& name) {
-  std::list<std::string> types;  // ascending type names; none without a data section
-  if (Compilation::GDataTypeTable != nullptr)
-    for (const auto& [type, index] : Compilation::GDataTypeTable->getTypeTable()) types.push_back(type);
-  for (const std::string& t : types)
-    for (const char* ext : {".h", ".cc"}) {
-      std::string file = "quarns_data_user_" + t + ext;
-      if (!std::ifstream(file)) {
-        std::cerr << "quarnc: -valued_simul: missing user file " << file << " (check_" << t << ", string_to_"
-                  << t << ", " << t << "_to_string and the methods of " << t << ")" << std::endl;
-        std::exit(1);
-      }
-    }
-  std::string build = quarnsBuildCommand(name, types);
-  std::cerr << "calling: " << build << std::endl;
-  if (quarn_sim_run(build) != 0) {
-    std::cerr << "quarnc: -valued_simul: the server quarns_" << name << " does not build" << std::endl;
-    std::exit(1);
-  }
-  std::string run = "./quarns_" + name;
-  std::cerr << "calling: " << run << std::endl;
-  if (quarn_sim_run(run) != 0) {
-    std::cerr << "quarnc: -valued_simul: the server quarns_" << name << " ended with a failure" << std::endl;
-    std::exit(1);
-  }
-}
-
 int runPipeline(const std::string& sourceFile, const std::string& mainName,
                 bool helpAmongOthers) {
   if (Compilation::HelpFlag) showHelp(helpAmongOthers);
   if (Compilation::VersionFlag) showVersion();
   if (Compilation::HelpFlag || Compilation::VersionFlag) return 0;
+
+  // A stage that is not built stops the run before anything is read or announced.
+  for (const Target& t : targetTable()) {
+    if (*t.flag && !t.write) {
+      std::cerr << notBuiltText(t) << std::endl;
+      return 1;
+    }
+  }
 
   std::cerr << "***Parsing File: " << sourceFile << std::endl;
   Compilation::qn_parse(sourceFile);
@@ -256,51 +190,20 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
     mainModule->check_over_knowledge();
   }
 
-  bool anyTarget = Compilation::SMVFlag || Compilation::BLIFFlag || Compilation::CFlag ||
-                   Compilation::CSHARPFlag || Compilation::VHDLALTERAFlag;
-  if (anyTarget) {
-    // The generators work on a finalized private copy; the main module stays as compiled.
-    Module* copy = new Module(*mainModule);
-    copy->finalize(0);
-    if (Compilation::SMVFlag) {
-      // TODO(targets): copy->printSMV();
+  // The generators work on a finalized private copy; the main module stays as compiled.
+  Module* copy = nullptr;
+  for (const Target& t : targetTable()) {
+    if (!*t.flag) continue;
+    Module* on = mainModule;
+    if (t.onFinalizedCopy) {
+      if (!copy) {
+        copy = new Module(*mainModule);
+        copy->finalize(0);
+      }
+      on = copy;
     }
-    if (Compilation::BLIFFlag) {
-      std::cerr << "\n*** generate " << name << ".blif" << std::endl;
-      // TODO(targets): copy->printBLIF();
-    }
-    if (Compilation::CFlag) {
-      std::cerr << "\n*** generate " << name << ".c and " << name << ".h" << std::endl;
-      copy->printC();
-    }
-    if (Compilation::CSHARPFlag) {
-      std::cerr << "\n*** generate " << name << ".cs" << std::endl;
-      // TODO(targets): copy->printCSHARP();
-    }
-    if (Compilation::VHDLALTERAFlag) {
-      std::cerr << "\n*** generate " << name << ".vhd" << std::endl;
-      // TODO(targets): copy->printVHDL();
-    }
-  }
-  if (Compilation::SaveFlag) {
-    std::cerr << "\n**** Save " << shownQncName(name, Module::OutputFile) << "\n\n";
-    mainModule->save();
-  }
-  if (Compilation::DebugFlag) {
-    // TODO(model): mainModule->printDebug();
-  }
-  if (Compilation::PureSimulFlag) {
-    std::cerr << "\n*** Simulate " << name << std::endl;
-    mainModule->simulate();
-  }
-  if (Compilation::ValuedSimulFlag) {
-    std::cerr << "\n*** Simulate  with valued simulator" << std::endl;
-    mainModule->save_quarns_code();
-    runValuedSimulator(name);
-  }
-  if (Compilation::QuarnsFlag) {
-    std::cerr << "\n*** Save File for quarns:" << name << std::endl;
-    mainModule->save_quarns_code();
+    std::cerr << t.progress(name) << std::flush;
+    t.write(*on);
   }
 
   long ms = chrono.Stop();

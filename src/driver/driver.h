@@ -3,6 +3,7 @@
 
 #include <list>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,10 +16,9 @@ struct CommandLine {
   std::optional<std::string> outputDir;                   // "-D"
   std::optional<std::list<std::string>> compilationFiles;  // "-comp_files [ ... ]"
 
-  bool debug = false, pureSimul = false, valuedSimul = false, quarns = false, main = false,
-       save = false, help = false, version = false, keepWires = false, forgetLocalsName = false,
-       checkOverKnowledge = false, smv = false, c = false, csharp = false, blif = false,
-       vhdlAltera = false;
+  bool main = false;                // "-main" was given
+  std::set<std::string> flags;      // flag and stage option words given, e.g. "-c"
+  bool has(const std::string& word) const { return flags.count(word) != 0; }
 
   std::vector<std::string> unknownOptions;  // in command-line order
   std::string failure;  // text of a wrong command line; the scan stopped there
@@ -37,11 +37,6 @@ void showVersion();
 // The main module name the panel derives from a source path: the path cut at its first
 // ".qn", behind the last "/" found at index 2 or higher. Empty without ".qn".
 std::string mainNameFromPath(const std::string& path);
-
-// The .qnc file name shown by the save stage.
-std::string shownQncName(const std::string& moduleName, const std::string& outputFile);
-// The host compiler command that builds the valued simulation server.
-std::string quarnsBuildCommand(const std::string& moduleName, const std::list<std::string>& typeNames);
 
 // Runs the pipeline from the flags already set: help/version, parse, checks, compile,
 // targets, save, debug, simulation, timing line. Returns 0; failures exit(1).

@@ -16,40 +16,6 @@
 
 namespace {
 
-using NameOf = std::function<std::string(long var_id)>;
-
-// One assignment per node into the array, children first; marked nodes were written
-// earlier in this step.
-void Print_nodes(bddpp_manager* manager, const std::string& or_op, const std::string& and_op,
-                 const std::string& not_op, const std::string& close_not, const std::string& var_prefix,
-                 const std::string& var_suffix, const std::string& zero, const std::string& end_of_line,
-                 const std::string& node_array, std::ostream& out, bdd_node* n, bdd_node* terminal,
-                 const NameOf& name_of) {
-  if (!n || n->mark) return;
-  n->mark = 1;
-  if (n == terminal) {
-    out << "   " << node_array << "[" << n->global_id() << "]= " << not_op << zero << close_not;
-  } else if (n->then_node == terminal && n->else_node == terminal && n->else_link_type == -1) {
-    out << "  " << node_array << "[" << n->global_id() << "]= " << var_prefix << name_of(n->var_id) << var_suffix;
-  } else {
-    Print_nodes(manager, or_op, and_op, not_op, close_not, var_prefix, var_suffix, zero, end_of_line, node_array,
-                out, n->then_node, terminal, name_of);
-    Print_nodes(manager, or_op, and_op, not_op, close_not, var_prefix, var_suffix, zero, end_of_line, node_array,
-                out, n->else_node, terminal, name_of);
-    const std::string name = name_of(n->var_id);
-    out << "  " << node_array << "[" << n->global_id() << "]= " << var_prefix << name << var_suffix << and_op
-        << node_array << "[" << n->then_node->global_id() << "]";
-    if (n->else_node) {
-      out << or_op << not_op << var_prefix << name << var_suffix << close_not << and_op;
-      if (n->else_link_type == 1)
-        out << node_array << "[" << n->else_node->global_id() << "]";
-      else
-        out << not_op << node_array << "[" << n->else_node->global_id() << "]" << close_not;
-    }
-  }
-  out << end_of_line << "\n";
-}
-
 // The step reads an output back through its pointer parameter.
 std::string read_name(const std::string& name, std::list<std::string>& pointer_wires) {
   return item_in(pointer_wires, name) ? "(*" + name + ")" : name;
@@ -64,8 +30,8 @@ void bddpp_manager::Print_node_for_eval(const std::string& or_op, const std::str
                                         const std::string& var_prefix, const std::string& var_suffix,
                                         const std::string& zero, const std::string& end_of_line,
                                         const std::string& node_array, std::ostream& out, bdd_node* n) {
-  Print_nodes(this, or_op, and_op, not_op, close_not, var_prefix, var_suffix, zero, end_of_line, node_array, out,
-              n, one, [this](long id) { return Name_var_by_id(id); });
+  print_nodes(out, n, one, {or_op, and_op, not_op, close_not, var_prefix, var_suffix, zero, end_of_line, node_array},
+              [this](long id) { return Name_var_by_id(id); });
 }
 
 void Bddexpression::put_c(std::ostream& out, const std::string& node_array, std::list<std::string>& pointer_wires) {
@@ -78,7 +44,7 @@ void Bddexpression::put_c(std::ostream& out, const std::string& node_array, std:
     return;
   }
   bdd_node* terminal = manager->Bdd_one().node();
-  Print_nodes(manager, " || ", " && ", "!", "", "", "", "0", ";", node_array, out, right.node(), terminal,
+  print_nodes(out, right.node(), terminal, {" || ", " && ", "!", "", "", "", "0", ";", node_array},
               [&](long id) { return read_name(manager->Name_var_by_id(id), pointer_wires); });
   out << left << (right.link_type() == 1 ? "= " : "= !") << node_array << "[" << right.node()->global_id()
       << "];";
@@ -350,17 +316,9 @@ void Module::C_put(std::ostream& code, std::ostream& header) {
 }
 
 void Module::printC() {
-  std::string code_name, header_name;
-  if (OutputFile.empty()) {
-    code_name = name + ".c";
-    header_name = name + ".h";
-  } else if (OutputFile.find(".c") != std::string::npos) {
-    code_name = OutputFile;
-    header_name = OutputFile.substr(0, OutputFile.size() >= 2 ? OutputFile.size() - 2 : 0) + ".h";
-  } else {
-    code_name = OutputFile + ".c";
-    header_name = OutputFile + ".h";
-  }
+  // The header is the code file's name less its last two characters, plus ".h".
+  const std::string code_name = target_path(name, ".c", false);
+  const std::string header_name = code_name.substr(0, code_name.size() - 2) + ".h";
   std::ofstream code(code_name);
   std::ofstream header(header_name);
   C_put(code, header);

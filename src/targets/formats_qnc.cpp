@@ -12,6 +12,7 @@
 #include "bdd/bddpp.h"
 #include "data/data.h"
 #include "driver/compilation.h"
+#include "targets/formats.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
@@ -194,14 +195,7 @@ static std::string oneLine(std::string s) {
 void Module::save() {
   if (!getBddWood() || !getBddWood()->my_bdd_manager() || !set || !reset || !rtl)
     Compilation::fatal("Module::save: module " + name + " is not compiled");
-  std::string file;
-  if (OutputFile.empty())
-    file = name + ".qnc";
-  else if (OutputFile.find(".qnc") != std::string::npos)
-    file = OutputFile;
-  else
-    file = OutputFile + ".qnc";
-  std::string path = OutputDir + "/" + file;
+  const std::string path = target_path(name, ".qnc", true);
   if (std::ifstream(path).is_open())
     std::cerr << "File: " << path << " already exists. File rewrited." << std::endl;
   std::ofstream out(path);

@@ -1,5 +1,6 @@
 // The valued simulator's data server: a C++ program that answers the simulator's
 // requests for the operations of the user's types over a TCP socket.
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 
@@ -7,6 +8,8 @@
 #include "driver/compilation.h"
 #include "gui/formspp.h"
 #include "model/module.h"
+#include "sim/sim_support.h"
+#include "targets/quarns_server.h"
 
 namespace {
 
@@ -374,4 +377,36 @@ void Module::save_quarns_code() {
     std::cerr << text << std::endl;
   }
   SIMUL_QNC_put(out);
+}
+
+std::string quarnsBuildCommand(const std::string& moduleName, const std::list<std::string>& typeNames) {
+  std::string command = "g++ quarns_" + moduleName + ".cc ";
+  for (const std::string& t : typeNames) command += "quarns_data_user_" + t + ".cc ";
+  command += "-o quarns_" + moduleName;
+  return command;
+}
+
+void runValuedSimulator(const std::string& name) {
+  const std::list<std::string> types = typeNames();
+  for (const std::string& t : types)
+    for (const char* ext : {".h", ".cc"}) {
+      std::string file = "quarns_data_user_" + t + ext;
+      if (!std::ifstream(file)) {
+        std::cerr << "quarnc: -valued_simul: missing user file " << file << " (check_" << t << ", string_to_"
+                  << t << ", " << t << "_to_string and the methods of " << t << ")" << std::endl;
+        std::exit(1);
+      }
+    }
+  std::string build = quarnsBuildCommand(name, types);
+  std::cerr << "calling: " << build << std::endl;
+  if (quarn_sim_run(build) != 0) {
+    std::cerr << "quarnc: -valued_simul: the server quarns_" << name << " does not build" << std::endl;
+    std::exit(1);
+  }
+  std::string run = "./quarns_" + name;
+  std::cerr << "calling: " << run << std::endl;
+  if (quarn_sim_run(run) != 0) {
+    std::cerr << "quarnc: -valued_simul: the server quarns_" << name << " ended with a failure" << std::endl;
+    std::exit(1);
+  }
 }

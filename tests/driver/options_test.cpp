@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "driver/driver.h"
+#include "targets/formats.h"
+#include "targets/quarns_server.h"
 
 namespace {
 
@@ -30,8 +32,8 @@ TEST(Options, ValueOptionsTakeANextArgumentBeginningWithMinus) {
   EXPECT_EQ(*cl.outputFile, "-qnc");
   EXPECT_EQ(*cl.outputDir, "-x");
   EXPECT_EQ(cl.mainName, "-c");
-  EXPECT_FALSE(cl.save);
-  EXPECT_FALSE(cl.c);
+  EXPECT_FALSE(cl.has("-qnc"));
+  EXPECT_FALSE(cl.has("-c"));
   EXPECT_TRUE(cl.unknownOptions.empty());
   EXPECT_EQ(cl.sourceFile, "f.qn");
 }
@@ -48,40 +50,20 @@ TEST(Options, CompilationFileLists) {
   EXPECT_EQ(two.failure, "");
   ASSERT_TRUE(two.compilationFiles);
   EXPECT_EQ(*two.compilationFiles, (std::list<std::string>{"b.qnc", "c.qnc"}));
-  EXPECT_FALSE(two.save) << "an argument inside the list is a file, not an option";
-  EXPECT_TRUE(two.c);
+  EXPECT_FALSE(two.has("-qnc")) << "an argument inside the list is a file, not an option";
+  EXPECT_TRUE(two.has("-c"));
   EXPECT_EQ(two.sourceFile, "");
 }
 
 TEST(Options, Flags) {
-  struct Case {
-    const char* word;
-    bool CommandLine::*field;
-  };
-  const Case cases[] = {
-      {"-debug", &CommandLine::debug},
-      {"-pure_simul", &CommandLine::pureSimul},
-      {"-valued_simul", &CommandLine::valuedSimul},
-      {"-quarns", &CommandLine::quarns},
-      {"-qnc", &CommandLine::save},
-      {"-keep_wires", &CommandLine::keepWires},
-      {"-forget_l_name", &CommandLine::forgetLocalsName},
-      {"-check_overknowledge", &CommandLine::checkOverKnowledge},
-      {"-h", &CommandLine::help},
-      {"-v", &CommandLine::version},
-      {"-c", &CommandLine::c},
-      {"-csharp", &CommandLine::csharp},
-      {"-blif", &CommandLine::blif},
-      {"-nusmv", &CommandLine::smv},
-      {"-vhdl_altera", &CommandLine::vhdlAltera},
-  };
-  for (const Case& c : cases) {
-    CommandLine cl = scan({c.word, "f.qn"});
-    EXPECT_TRUE(cl.*(c.field)) << c.word;
-    int set = 0;
-    for (const Case& other : cases) set += (cl.*(other.field)) ? 1 : 0;
-    EXPECT_EQ(set, 1) << c.word << " sets exactly one flag";
-    EXPECT_FALSE(cl.main) << c.word;
+  const char* words[] = {"-debug", "-pure_simul", "-valued_simul", "-quarns", "-qnc",
+                         "-keep_wires", "-forget_l_name", "-check_overknowledge", "-h", "-v",
+                         "-c", "-csharp", "-blif", "-nusmv", "-vhdl_altera"};
+  for (const char* w : words) {
+    CommandLine cl = scan({w, "f.qn"});
+    EXPECT_EQ(cl.flags, (std::set<std::string>{w})) << w << " sets exactly one flag";
+    EXPECT_TRUE(cl.unknownOptions.empty()) << w;
+    EXPECT_FALSE(cl.main) << w;
   }
 }
 
@@ -90,7 +72,7 @@ TEST(Options, UnknownOptionsAreSkippedInOrder) {
   EXPECT_EQ(cl.failure, "");
   EXPECT_EQ(cl.unknownOptions,
             (std::vector<std::string>{"-zz", "-template_valued_simul", "-", "-C"}));
-  EXPECT_TRUE(cl.save);
+  EXPECT_TRUE(cl.has("-qnc"));
   EXPECT_EQ(cl.sourceFile, "f.qn");
 }
 
@@ -128,7 +110,7 @@ TEST(Options, ShownQncName) {
       {"abro", "a.qnc.old", "a.qnc.old"},  // ".qnc" anywhere keeps the name as it stands
       {"abro", "a.qn", "a.qn.qnc"},
   };
-  for (const Case& c : cases) EXPECT_EQ(shownQncName(c.module, c.outputFile), c.shown);
+  for (const Case& c : cases) EXPECT_EQ(target_file_name(c.module, c.outputFile, ".qnc"), c.shown);
 }
 
 TEST(Options, UsageText) {

@@ -2,9 +2,7 @@
 # Runs one end-to-end case: run_case.sh QUARNC CASE.run
 # The case's directory is copied to a scratch directory and quarnc runs there.
 set -u
-quarnc=$1
-# `then:` commands may run quarnc again (and the simulators built beside it).
-export QUARNC=$(cd "$(dirname "$quarnc")" && pwd)/$(basename "$quarnc")
+quarnc=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
 case_file=$2
 case_dir=$(dirname "$case_file")
 case_name=$(basename "$case_file" .run)
@@ -38,6 +36,8 @@ done < "$case_file"
 
 unset DISPLAY
 export QUARN_BATCH=1
+# Target scripts of the traces rerun quarnc with the case's arguments.
+export QUARNC=$quarnc QUARNC_ARGS=$args
 eval "set -- $args"
 timeout 60 "$quarnc" "$@" > stdout.txt 2> stderr.txt
 status=$?
@@ -55,6 +55,11 @@ for s in "${no_err[@]}"; do
 done
 for s in "${want_out[@]}"; do
   grep -qF -- "$s" stdout.txt || { cat stdout.txt; fail "stdout lacks: $s"; }
+done
+# Every file a progress line announces was written. The lines name the module's files
+# even when "-o" renames them, so a case with "-o" checks its files by name instead.
+[[ " $args " == *" -o "* ]] || for f in $(sed -n 's/^\*\*\* generate //p; s/^\*\*\*\* Save //p' stderr.txt | sed 's/ and / /'); do
+  [ -e "$f" ] || [ -n "$(find . -name "$(basename "$f")" -print -quit)" ] || fail "announced file $f missing"
 done
 for f in "${want_files[@]}"; do [ -e "$f" ] || fail "missing file $f"; done
 for f in "${no_files[@]}"; do [ ! -e "$f" ] || fail "unexpected file $f"; done
