@@ -183,7 +183,13 @@ int main() {
     cerr << "reading SOCKET ..." << endl;
     if (count > 0) {
       cerr << "BUFFER RECEIVED:" << request << endl;
-      string reply = compute_data_value(request);
+      string reply;
+      try {
+        reply = compute_data_value(request);
+      } catch (...) {
+        cerr << "Error: SIMUL_QNC:the data operation failed" << endl;
+        reply = "--";
+      }
       cerr << "TRANSMIT:" << reply << endl;
       socket_server.write(reply);
     } else if (count == 0) {
