@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "model/module.h"
 #include "util/Stringpp.h"
 
@@ -45,7 +45,7 @@ std::string Compilation::createACTIFBISPLUSName(const std::string& s) {
 }
 
 void Compilation::fatal(const std::string& text) {
-  fl_show_Salert(text);
+  report_alert("", text, "");
   std::cerr << text << std::endl;
   std::exit(1);
 }

@@ -5,7 +5,7 @@
 
 #include "data/data.h"
 #include "driver/compilation.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "model/module.h"
 #include "targets/formats.h"
 #include "targets/target_table.h"
@@ -37,7 +37,7 @@ bool* flagOf(const std::string& word) {
 
 // A wrong command line: message box, error stream, exit 1.
 [[noreturn]] void commandLineFailure(const std::string& text) {
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
   std::exit(1);
 }
@@ -127,7 +127,7 @@ std::string usageText(bool amongOthers) {
 
 void showHelp(bool amongOthers) {
   std::string text = usageText(amongOthers);
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
 }
 
@@ -162,7 +162,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   Compilation::qn_parse(sourceFile);
 
   if (!Compilation::MainFlag) {
-    fl_show_Salert("no main module supplied", "", "");
+    report_alert("no main module supplied", "", "");
     // The box may be skipped (batch run, no display): the text stays on the error stream.
     std::cerr << "no main module supplied" << std::endl;
     std::exit(1);
@@ -171,7 +171,7 @@ int runPipeline(const std::string& sourceFile, const std::string& mainName,
   Module* mainModule = Compilation::ModTable->get(mainName);
   if (mainModule == nullptr) {
     std::cerr << "Main module: " << mainName << " undefined\n";
-    fl_show_Salert("Main module:", mainName, "undefined");
+    report_alert("Main module:", mainName, "undefined");
     std::exit(1);
   }
   const std::string& name = mainName;

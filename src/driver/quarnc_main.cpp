@@ -1,4 +1,9 @@
 #include "driver/driver.h"
 #include "gui/panel.h"
 
-int main(int argc, char** argv) { return quarnc_main(argc, argv, panel_mode); }
+void install_message_boxes();
+
+int main(int argc, char** argv) {
+  install_message_boxes();
+  return quarnc_main(argc, argv, panel_mode);
+}

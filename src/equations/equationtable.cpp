@@ -9,7 +9,7 @@
 #include "data/data.h"
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "model/module.h"
 #include "signals/expression.h"
 #include "signals/signal_manager.h"
@@ -415,7 +415,7 @@ long EquationTable::callPert() {
   std::cerr << report << std::endl;
   std::list<long> path = loop;
   report += computeDependence(path);
-  fl_show_Smessages(report);
+  report_message(report);
   std::cerr << report << std::endl;
   exit(1);
 }
@@ -430,6 +430,6 @@ long EquationTable::callPert(const std::list<long>& ids) {
   std::list<long> path = loop;
   report += computeDependence(path);
   std::cerr << report << std::endl;
-  fl_show_Sbigmessages(report, 300);
+  report_big_message(report, 300);
   exit(1);
 }

@@ -41,7 +41,7 @@ void qncerror(const char* message);
 #include "front/qnc_reader.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "util/Stringpp.h"
 
 namespace {
@@ -222,7 +222,7 @@ initial_value
       {
         $$ = $1;
         if ($1 > 1) {
-          fl_show_Smessages("Warning: Boolean value expected to initialize register value\n");
+          report_message("Warning: Boolean value expected to initialize register value\n");
           std::cerr << "Warning: Boolean value expected to initialize register value\n";
         }
       }

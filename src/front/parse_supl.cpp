@@ -7,7 +7,7 @@
 #include <string>
 
 #include "driver/compilation.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "front/qn_lexer.h"
 #include "parse_qn.tab.h"
 
@@ -36,7 +36,7 @@ void Compilation::qn_parse(const std::string& filename) {
   std::ifstream in;
   if (!std::filesystem::is_directory(filename, ec)) in.open(filename);
   if (!in.is_open()) {
-    fl_show_Salert("Can not open input file:", filename, "");
+    report_alert("Can not open input file:", filename, "");
     std::cerr << "Can not open input file: " << filename << std::endl;
     std::exit(1);
   }

@@ -4,7 +4,7 @@
 
 #include "data/data.h"
 #include "driver/compilation.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "model/module.h"
 #include "model/statement.h"
 #include "signals/signal_manager.h"
@@ -14,7 +14,7 @@ namespace {
 [[noreturn]] void typeFailure(const std::string& what, Signal* s, const std::string& type) {
   std::string text = what + s->getOriginalName() + "\": type \"" + type +
                      "\" is not defined in data section ...";
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
   std::exit(1);
 }

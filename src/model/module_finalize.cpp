@@ -9,7 +9,7 @@
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
 
@@ -60,7 +60,7 @@ void closeEmitted(Module* m, Bddexpressionwood* wood, Signal* s, bool output) {
     } else if (output || !s->isRegister()) {
       std::string text = "***Warning: Finalize: no over expression and under expression for:" +
                          wood->Name_var_by_index(ui) + "!!!\n => changing over equation ...\n";
-      fl_show_Smessages(text);
+      report_message(text);
       std::cerr << text << std::endl;
       new Bddexpression(s->getInternalName(), wood, o, wood->Bdd_not(u), U->getEarlyDate(), U->getLateDate(),
                         U->getUserType());
@@ -200,7 +200,7 @@ void Module::suppress_useless_registers() {
     if (!e) {
       std::string text = "internal error 2 in Module::suppress_useless_registers() about index:" +
                          std::to_string(oi);
-      fl_show_Smessages(text);
+      report_message(text);
       std::cerr << text << std::endl;
       continue;
     }
@@ -214,7 +214,7 @@ void Module::suppress_useless_registers() {
     bdd v = r->actual_var()->getOverBdd(this, wood);
     if (!v.initialised()) {
       std::string text = "internal error 1 in Module::suppress_useless_registers(void)";
-      fl_show_Smessages(text);
+      report_message(text);
       std::cerr << text << std::endl;
       continue;
     }

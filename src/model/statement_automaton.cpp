@@ -9,7 +9,7 @@
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "model/module.h"
 #include "model/statement.h"
 #include "signals/expression.h"
@@ -19,7 +19,7 @@ namespace {
 
 // Warnings go to the message panel and the error stream; compilation goes on.
 void warn(const std::string& text) {
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
 }
 
@@ -126,221 +126,265 @@ void Automaton::priority_integration() {
   }
 }
 
-void Automaton::compile(Module* module, EquationTable* table) {
-  createWires(module, table);
-  Bddexpressionwood* wood = table->getBddexpressionWood();
-  bddpp_manager* M = wood->my_bdd_manager();
+namespace {
 
-  check_determinism(module, M);
-  priority_integration();
+// The circuit of one automaton: state codes in b registers, the next-state function as
+// an on-set and an off-set per register bit, actions ored into their signals.
+struct AutomatonCircuit {
+  Automaton* a;
+  Module* module;
+  EquationTable* table;
+  Bddexpressionwood* wood;
+  bddpp_manager* M;
+  std::map<std::string, State*>& stateTable;
+  std::list<Transition*>& transitionList;
+  bdd zero, SET1, NOTSET, ONLYRESET;
+  long n = 0;                  // states of the table; code 0 is before the start, n + 1 falls
+  int b = 0;                   // register bits
+  std::vector<State*> states;  // by code
+  std::vector<Signal*> nextSignals;
+  std::vector<bdd> reg, next, on, off, strong, weak;
+  bdd leaving;
 
-  bdd zero = M->Bdd_zero();
-  bdd SET1 = exactlyTrue(M, module->getSet(), module, wood);
-  bdd RESET1 = exactlyTrue(M, module->getReset(), module, wood);
-  bdd NOTSET = M->Bdd_not(SET1);
-  bdd ONLYRESET = M->Bdd_and(RESET1, NOTSET);
-
-  // Code 0 is before the start; the table's states follow in key order; n + 1 falls.
-  const long n = long(stateTable->size());
-  std::vector<State*> states(n + 2);
-  states[0] = new State("pre-existing");
-  long id = 1;
-  for (auto& [key, s] : *stateTable) {
-    s->setId(int(id));
-    states[id++] = s;
-  }
-  states[n + 1] = new State("falling");
-  int b = 0;
-  for (long p = 1; n + 1 >= p; p *= 2) b++;
-
-  std::vector<Signal*> regSignals(b), nextSignals(b);
-  std::vector<bdd> reg(b), next(b);
-  for (int i = 0; i < b; i++) {
-    const std::string bit = std::to_string(i);
-    regSignals[i] = new Signal("reg" + bit + module->getName(), module, wood, true);
-    nextSignals[i] = new Signal("reg" + bit + "next" + module->getName(), module, wood, true);
-    module->addWireSignal(regSignals[i]);
-    module->addWireSignal(nextSignals[i]);
-    module->addRegisterSignal(regSignals[i], nextSignals[i], 0);
-  }
-  for (int i = 0; i < b; i++) {
-    reg[i] = regSignals[i]->getOverBdd(module, wood);
-    next[i] = nextSignals[i]->getOverBdd(module, wood);
-  }
-  auto minterm = [&](long code, const std::vector<bdd>& vars) {
-    return M->Minterm(code, b, vars.data());
-  };
-
-  std::vector<bdd> on(b, zero), off(b, zero), strong(n + 2, zero), weak(n + 2, zero);
-
-  // A Run in a state: preempted by the strong triggers, killed on leaving, started on
-  // arrival (step 8).
-  for (auto& [key, s] : *stateTable) {
-    Run* run = s->getRunModule();
-    if (!run) continue;
-    std::cerr << "Run detecte:" << run->getStatementName() << std::endl;
-    bdd ST = zero, WK = zero;
-    for (Transition* t : *transitionList) {
-      if (t->isInitial() || t->getSource() != s) continue;
-      int type = t->getType();
-      if (type != 1 && type != 2) continue;
-      bdd trig = t->triggerable_bdd(module);
-      bdd& acc = type == 1 ? ST : WK;
-      bdd overlap = M->Bdd_and(acc, trig);
-      if (!isZero(M, overlap))
-        Compilation::fatal("Error: Multiple behaviors about state:\"" + s->getName() + "\" when " +
-                           M->Print_sop_to_ESTEREL_String(overlap));
-      acc = M->Bdd_or(acc, trig);
-    }
-    // The copy keeps the caller's equations of the variables that the instance
-    // replaces: unify ors both, so the automaton's own actions on a signal stay beside
-    // the masked outputs of the instance.
-    EquationTable* t2 = table->duplicate(module);
-    run->compile_with_preemption(module, table, ST);
-    table->unify(t2, module);
-    bdd RST = zero;
-    for (Transition* t : *transitionList) {
-      if (t->isInitial() || t->getSource() != s || (t->getType() != 1 && t->getType() != 2))
-        continue;
-      RST = M->Bdd_or(RST, M->Bdd_and(minterm(s->getId(), reg), t->triggerable_bdd(module)));
-    }
-    Signal* R = run->getReset();
-    Signal* S = run->getSet();
-    new Bddexpression(R->getName(module, wood), wood, R->getOverBdd(module, wood), RST, 0, 0,
-                      Compilation::SWIRE);
-    new Bddexpression(R->getName(module, wood), wood, R->getUnderBdd(module, wood), M->Bdd_not(RST),
-                      0, 0, Compilation::VWIRE);
-    new Bddexpression(S->getName(module, wood), wood, S->getOverBdd(module, wood), zero, 0, 0,
-                      Compilation::SWIRE);
-    new Bddexpression(S->getName(module, wood), wood, S->getUnderBdd(module, wood), M->Bdd_one(),
-                      0, 0, Compilation::VWIRE);
+  AutomatonCircuit(Automaton* automaton, Module* m, EquationTable* t)
+      : a(automaton), module(m), table(t), wood(t->getBddexpressionWood()), M(wood->my_bdd_manager()),
+        stateTable(*automaton->getStateTable()), transitionList(*automaton->getTransitionList()) {
+    zero = M->Bdd_zero();
+    SET1 = exactlyTrue(M, module->getSet(), module, wood);
+    bdd RESET1 = exactlyTrue(M, module->getReset(), module, wood);
+    NOTSET = M->Bdd_not(SET1);
+    ONLYRESET = M->Bdd_and(RESET1, NOTSET);
+    leaving = zero;
   }
 
-  for (auto it = transitionList->begin(); it != transitionList->end(); ++it) {
-    long i, j;
-    ident_states_transitions(it, b, i, j);
-    Transition* t = *it;
-    if (t->getType() == 1) strong[i] = M->Bdd_or(strong[i], t->triggerable_bdd(module));
-    if (t->getType() == 2) weak[i] = M->Bdd_or(weak[i], t->triggerable_bdd(module));
-  }
+  bdd minterm(long code, const std::vector<bdd>& vars) { return M->Minterm(code, b, vars.data()); }
 
-  // G fires the next state, H the actions; they differ only by NOTSET: a start in the
-  // same instant restarts the automaton but lets the actions of the instant happen.
-  bdd leaving = zero;
-  for (auto it = transitionList->begin(); it != transitionList->end(); ++it) {
-    long i, j;
-    ident_states_transitions(it, b, i, j);
-    Transition* t = *it;
-    bdd G = minterm(i, reg);
-    bdd H = G;
-    int type = t->getType();
-    if ((type == 1 || type == 2) && t->isInitial()) {
-      G = M->Bdd_and(SET1, t->triggerable_bdd(module));
-      H = G;
-    } else if (type == 1 || type == 2) {
-      G = M->Bdd_and(G, t->triggerable_bdd(module));
-      if (type == 2) G = M->Bdd_and(G, M->Bdd_not(strong[i]));
-      H = G;
-      G = M->Bdd_and(G, NOTSET);
-    } else if (type == 3) {
-      Run* r = i < n + 2 ? states[i]->getRunModule() : nullptr;
-      if (r) {
-        G = M->Bdd_and(G, exactlyTrue(M, r->getRtl(), module, wood));
-        G = M->Bdd_and(G, M->Bdd_not(strong[i]));
-        G = M->Bdd_and(G, M->Bdd_not(weak[i]));
-        H = G;
-        G = M->Bdd_and(G, NOTSET);
-      } else {
-        G = zero;
-        H = zero;
-        warn("Warning: No found Run module about state " + states[i]->getName() +
-             ": Normal Terminaison has no effect ...");
-      }
-    } else {
-      G = zero;
-      H = zero;
-      warn("Warning: Skipping TRANSITION " + std::to_string(i) + " " + std::to_string(j) +
-           ": unknown type ...");
-    }
-    leaving = M->Bdd_or(leaving, G);
+  void setBit(long code, const bdd& G) {
     for (int k = 0; k < b; k++) {
-      if ((j >> k) & 1)
+      if ((code >> k) & 1)
         on[k] = M->Bdd_or(on[k], G);
       else
         off[k] = M->Bdd_or(off[k], G);
     }
-    if (t->getAction())
-      for (Signal* a : *t->getAction()) orIntoAction(a, H, module, wood);
-    // A weak transition lets the Moore actions of its source hold in the instant it leaves.
-    if (type == 2 && !t->isInitial() && i < n + 2)
-      for (Signal* a : states[i]->getMooreActions()) orIntoAction(a, G, module, wood);
-    if (j < n + 2 && states[j]->getRunModule()) {
-      Signal* S = states[j]->getRunModule()->getSet();
-      Bddexpression* over = wood->exp_by_bdd(S->getOverBdd(module, wood));
-      Bddexpression* under = wood->exp_by_bdd(S->getUnderBdd(module, wood));
-      over->setBddExp(M->Bdd_or(over->my_bdd_exp(), G));
-      under->setBddExp(M->Bdd_and(under->my_bdd_exp(), M->Bdd_not(G)));
+  }
+
+  void encodeStates() {
+    n = long(stateTable.size());
+    states.assign(n + 2, nullptr);
+    states[0] = new State("pre-existing");
+    long id = 1;
+    for (auto& [key, s] : stateTable) {
+      s->setId(int(id));
+      states[id++] = s;
+    }
+    states[n + 1] = new State("falling");
+    for (long p = 1; n + 1 >= p; p *= 2) b++;
+
+    std::vector<Signal*> regSignals(b);
+    nextSignals.assign(b, nullptr);
+    reg.assign(b, zero);
+    next.assign(b, zero);
+    for (int i = 0; i < b; i++) {
+      const std::string bit = std::to_string(i);
+      regSignals[i] = new Signal("reg" + bit + module->getName(), module, wood, true);
+      nextSignals[i] = new Signal("reg" + bit + "next" + module->getName(), module, wood, true);
+      module->addWireSignal(regSignals[i]);
+      module->addWireSignal(nextSignals[i]);
+      module->addRegisterSignal(regSignals[i], nextSignals[i], 0);
+    }
+    for (int i = 0; i < b; i++) {
+      reg[i] = regSignals[i]->getOverBdd(module, wood);
+      next[i] = nextSignals[i]->getOverBdd(module, wood);
+    }
+    on.assign(b, zero);
+    off.assign(b, zero);
+    strong.assign(n + 2, zero);
+    weak.assign(n + 2, zero);
+  }
+
+  // A Run in a state: preempted by the strong triggers, killed on leaving, started on
+  // arrival.
+  void runsInStates() {
+    for (auto& [key, s] : stateTable) {
+      Run* run = s->getRunModule();
+      if (!run) continue;
+      std::cerr << "Run detecte:" << run->getStatementName() << std::endl;
+      bdd ST = zero, WK = zero;
+      for (Transition* t : transitionList) {
+        if (t->isInitial() || t->getSource() != s) continue;
+        int type = t->getType();
+        if (type != 1 && type != 2) continue;
+        bdd trig = t->triggerable_bdd(module);
+        bdd& acc = type == 1 ? ST : WK;
+        bdd overlap = M->Bdd_and(acc, trig);
+        if (!isZero(M, overlap))
+          Compilation::fatal("Error: Multiple behaviors about state:\"" + s->getName() + "\" when " +
+                             M->Print_sop_to_ESTEREL_String(overlap));
+        acc = M->Bdd_or(acc, trig);
+      }
+      // The copy keeps the caller's equations of the variables that the instance
+      // replaces: unify ors both, so the automaton's own actions on a signal stay beside
+      // the masked outputs of the instance.
+      EquationTable* t2 = table->duplicate(module);
+      run->compile_with_preemption(module, table, ST);
+      table->unify(t2, module);
+      bdd RST = zero;
+      for (Transition* t : transitionList) {
+        if (t->isInitial() || t->getSource() != s || (t->getType() != 1 && t->getType() != 2)) continue;
+        RST = M->Bdd_or(RST, M->Bdd_and(minterm(s->getId(), reg), t->triggerable_bdd(module)));
+      }
+      Signal* R = run->getReset();
+      Signal* S = run->getSet();
+      new Bddexpression(R->getName(module, wood), wood, R->getOverBdd(module, wood), RST, 0, 0,
+                        Compilation::SWIRE);
+      new Bddexpression(R->getName(module, wood), wood, R->getUnderBdd(module, wood), M->Bdd_not(RST), 0, 0,
+                        Compilation::VWIRE);
+      new Bddexpression(S->getName(module, wood), wood, S->getOverBdd(module, wood), zero, 0, 0,
+                        Compilation::SWIRE);
+      new Bddexpression(S->getName(module, wood), wood, S->getUnderBdd(module, wood), M->Bdd_one(), 0, 0,
+                        Compilation::VWIRE);
     }
   }
 
-  // Staying: no transition of the state fires and no start restarts the automaton.
-  for (auto& [key, s] : *stateTable) {
-    long code = s->getId();
-    bdd m = minterm(code, reg);
-    bdd STAY = M->Bdd_and(M->Bdd_and(M->Bdd_not(M->Bdd_reduce(leaving, m)), m), NOTSET);
+  void preemptionTriggers() {
+    for (auto it = transitionList.begin(); it != transitionList.end(); ++it) {
+      long i, j;
+      a->ident_states_transitions(it, b, i, j);
+      Transition* t = *it;
+      if (t->getType() == 1) strong[i] = M->Bdd_or(strong[i], t->triggerable_bdd(module));
+      if (t->getType() == 2) weak[i] = M->Bdd_or(weak[i], t->triggerable_bdd(module));
+    }
+  }
+
+  // G fires the next state, H the actions; they differ only by NOTSET: a start in the
+  // same instant restarts the automaton but lets the actions of the instant happen.
+  void transitions() {
+    for (auto it = transitionList.begin(); it != transitionList.end(); ++it) {
+      long i, j;
+      a->ident_states_transitions(it, b, i, j);
+      Transition* t = *it;
+      bdd G = minterm(i, reg);
+      bdd H = G;
+      int type = t->getType();
+      if ((type == 1 || type == 2) && t->isInitial()) {
+        G = M->Bdd_and(SET1, t->triggerable_bdd(module));
+        H = G;
+      } else if (type == 1 || type == 2) {
+        G = M->Bdd_and(G, t->triggerable_bdd(module));
+        if (type == 2) G = M->Bdd_and(G, M->Bdd_not(strong[i]));
+        H = G;
+        G = M->Bdd_and(G, NOTSET);
+      } else if (type == 3) {
+        Run* r = i < n + 2 ? states[i]->getRunModule() : nullptr;
+        if (r) {
+          G = M->Bdd_and(G, exactlyTrue(M, r->getRtl(), module, wood));
+          G = M->Bdd_and(G, M->Bdd_not(strong[i]));
+          G = M->Bdd_and(G, M->Bdd_not(weak[i]));
+          H = G;
+          G = M->Bdd_and(G, NOTSET);
+        } else {
+          G = zero;
+          H = zero;
+          warn("Warning: No found Run module about state " + states[i]->getName() +
+               ": Normal Terminaison has no effect ...");
+        }
+      } else {
+        G = zero;
+        H = zero;
+        warn("Warning: Skipping TRANSITION " + std::to_string(i) + " " + std::to_string(j) +
+             ": unknown type ...");
+      }
+      leaving = M->Bdd_or(leaving, G);
+      setBit(j, G);
+      if (t->getAction())
+        for (Signal* act : *t->getAction()) orIntoAction(act, H, module, wood);
+      // A weak transition lets the Moore actions of its source hold in the instant it leaves.
+      if (type == 2 && !t->isInitial() && i < n + 2)
+        for (Signal* act : states[i]->getMooreActions()) orIntoAction(act, G, module, wood);
+      if (j < n + 2 && states[j]->getRunModule()) {
+        Signal* S = states[j]->getRunModule()->getSet();
+        Bddexpression* over = wood->exp_by_bdd(S->getOverBdd(module, wood));
+        Bddexpression* under = wood->exp_by_bdd(S->getUnderBdd(module, wood));
+        over->setBddExp(M->Bdd_or(over->my_bdd_exp(), G));
+        under->setBddExp(M->Bdd_and(under->my_bdd_exp(), M->Bdd_not(G)));
+      }
+    }
+  }
+
+  void stayResetAndFall() {
+    // Staying: no transition of the state fires and no start restarts the automaton.
+    for (auto& [key, s] : stateTable) {
+      long code = s->getId();
+      bdd m = minterm(code, reg);
+      setBit(code, M->Bdd_and(M->Bdd_and(M->Bdd_not(M->Bdd_reduce(leaving, m)), m), NOTSET));
+    }
+    // A reset without a start sends the automaton to code 0.
     for (int k = 0; k < b; k++) {
-      if ((code >> k) & 1)
-        on[k] = M->Bdd_or(on[k], STAY);
-      else
-        off[k] = M->Bdd_or(off[k], STAY);
+      off[k] = M->Bdd_or(off[k], ONLYRESET);
+      on[k] = M->Bdd_and(on[k], M->Bdd_not(ONLYRESET));
+    }
+    // A final state leaves at once for the code of all ones, where nothing holds.
+    for (auto& [key, s] : stateTable) {
+      if (!s->isFinal()) continue;
+      bdd G = M->Bdd_and(minterm(s->getId(), reg), NOTSET);
+      for (int k = 0; k < b; k++) {
+        on[k] = M->Bdd_or(on[k], G);
+        off[k] = M->Bdd_and(off[k], M->Bdd_not(G));
+      }
     }
   }
 
-  // A reset without a start sends the automaton to code 0.
-  for (int k = 0; k < b; k++) {
-    off[k] = M->Bdd_or(off[k], ONLYRESET);
-    on[k] = M->Bdd_and(on[k], M->Bdd_not(ONLYRESET));
-  }
-
-  // A final state leaves at once for the code of all ones, where nothing holds.
-  for (auto& [key, s] : *stateTable) {
-    if (!s->isFinal()) continue;
-    bdd G = M->Bdd_and(minterm(s->getId(), reg), NOTSET);
+  void nextStateEquations() {
     for (int k = 0; k < b; k++) {
-      on[k] = M->Bdd_or(on[k], G);
-      off[k] = M->Bdd_and(off[k], M->Bdd_not(G));
+      bdd F = M->Bdd_simplify2(on[k], off[k]);
+      const std::string& name = nextSignals[k]->getInternalName();
+      Signal* s = module->getLocalSignal(name);
+      if (!s) s = nextSignals[k];
+      new Bddexpression(name, wood, s->getOverBdd(module, wood), F, 0, 0, Compilation::SREG);
+      new Bddexpression(name, wood, s->getUnderBdd(module, wood), M->Bdd_not(F), 0, 0, Compilation::VREG);
     }
-  }
-
-  for (int k = 0; k < b; k++) {
-    bdd F = M->Bdd_simplify2(on[k], off[k]);
-    const std::string& name = nextSignals[k]->getInternalName();
-    Signal* s = module->getLocalSignal(name);
-    if (!s) s = nextSignals[k];
-    new Bddexpression(name, wood, s->getOverBdd(module, wood), F, 0, 0, Compilation::SREG);
-    new Bddexpression(name, wood, s->getUnderBdd(module, wood), M->Bdd_not(F), 0, 0,
-                      Compilation::VREG);
   }
 
   // A Moore action holds in every instant whose next state is its state.
-  for (auto& [key, s] : *stateTable) {
-    if (s->getMooreActions().empty()) continue;
-    bdd G = minterm(s->getId(), next);
-    for (Signal* a : s->getMooreActions()) orIntoAction(a, G, module, wood);
+  void mooreActions() {
+    for (auto& [key, s] : stateTable) {
+      if (s->getMooreActions().empty()) continue;
+      bdd G = minterm(s->getId(), next);
+      for (Signal* act : s->getMooreActions()) orIntoAction(act, G, module, wood);
+    }
   }
 
   // T holds in the instant of arrival in a final state, computed from the source.
-  bdd RTLB = zero;
-  for (auto it = transitionList->begin(); it != transitionList->end(); ++it) {
-    Transition* t = *it;
-    if (!t->getTarget() || !t->getTarget()->isFinal()) continue;
-    long i, j;
-    ident_states_transitions(it, b, i, j);
-    RTLB = M->Bdd_or(RTLB, M->Bdd_and(minterm(i, reg), t->triggerable_bdd(module)));
+  void termination() {
+    bdd RTLB = zero;
+    for (auto it = transitionList.begin(); it != transitionList.end(); ++it) {
+      Transition* t = *it;
+      if (!t->getTarget() || !t->getTarget()->isFinal()) continue;
+      long i, j;
+      a->ident_states_transitions(it, b, i, j);
+      RTLB = M->Bdd_or(RTLB, M->Bdd_and(minterm(i, reg), t->triggerable_bdd(module)));
+    }
+    Signal* T = a->getRtl();
+    new Bddexpression(T->getName(module, wood), wood, T->getOverBdd(module, wood), RTLB, 0, 0,
+                      Compilation::STAT);
+    new Bddexpression(T->getName(module, wood), wood, T->getUnderBdd(module, wood), M->Bdd_not(RTLB), 0, 0,
+                      Compilation::VAL);
   }
-  Signal* T = getRtl();
-  new Bddexpression(T->getName(module, wood), wood, T->getOverBdd(module, wood), RTLB, 0, 0,
-                    Compilation::STAT);
-  new Bddexpression(T->getName(module, wood), wood, T->getUnderBdd(module, wood), M->Bdd_not(RTLB),
-                    0, 0, Compilation::VAL);
+};
+
+}  // namespace
+
+void Automaton::compile(Module* module, EquationTable* table) {
+  createWires(module, table);
+  check_determinism(module, table->getBddexpressionWood()->my_bdd_manager());
+  priority_integration();
+  AutomatonCircuit c(this, module, table);
+  c.encodeStates();
+  c.runsInStates();
+  c.preemptionTriggers();
+  c.transitions();
+  c.stayResetAndFall();
+  c.nextStateEquations();
+  c.mooreActions();
+  c.termination();
 }

@@ -6,9 +6,9 @@
 #include "bdd/bddpp.h"
 #include "driver/compilation.h"
 #include "equations/Bddexpression.h"
-#include "gui/formspp.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
+#include "util/report.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ void nodeTables(bddpp_manager* manager, const std::string& base, std::ostream& o
 
 void valuedMessage(const std::string& name) {
   std::string text = "ERROR: valued signal " + name + " is not supported in blif generation!";
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
 }
 
@@ -42,13 +42,13 @@ void valuedMessage(const std::string& name) {
 
 __attribute__((weak)) void Module::BLIF_put(std::ostream& out, int) {
   if (!getCompilation()) {
-    fl_show_Smessages("ERROR in Module::BLIF_put(): no equationtable defined!");
+    report_message("ERROR in Module::BLIF_put(): no equationtable defined!");
     std::cerr << "ERROR in Module::BLIF_put(): no equationtable defined!" << std::endl;
     std::exit(1);
   }
   Bddexpressionwood* wood = getBddWood();
   if (!wood) {
-    fl_show_Smessages("ERROR in Module::BLIF_put(): no bdd manager defined!");
+    report_message("ERROR in Module::BLIF_put(): no bdd manager defined!");
     std::cerr << "ERROR in Module::BLIF_put(): no bdd manager defined!" << std::endl;
     std::exit(1);
   }

@@ -21,7 +21,7 @@
 #include "gui/formspp.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
-#include "sim/sim_panels.h"
+#include "gui/sim_panels.h"
 #include "sim/sock.h"
 #include "sim/trace.h"
 

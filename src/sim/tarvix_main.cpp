@@ -9,7 +9,7 @@
 
 #include "gui/formspp.h"
 #include "sim/netlist.h"
-#include "sim/sim_panels.h"
+#include "gui/sim_panels.h"
 #include "sim/trace.h"
 
 namespace {

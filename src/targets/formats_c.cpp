@@ -4,7 +4,9 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <map>
 #include <set>
+#include <type_traits>
 
 #include "bdd/bddpp.h"
 #include "data/data.h"
@@ -99,218 +101,260 @@ void Module::C_put_equation(std::ostream& code, const std::string& node_array,
   }
 }
 
-void Module::C_put(std::ostream& code, std::ostream& header) {
-  const std::string& m = name;
-  code << "#include \"" << m << ".h\"" << "\n" << "#define false 0" << "\n" << "#define true (!false)" << "\n"
-       << "\n";
-  header << "#ifndef " << m << "_H" << "\n" << "#define " << m << "_H" << "\n";
-  if (Compilation::GDataTypeTable) {
-    for (const auto& entry : Compilation::GDataTypeTable->getTypeTable())
-      header << "#include \"C_data_user_" << entry.first << ".h\"" << "\n";
-    Compilation::GDataTypeTable->C_put(header);
-  }
-  if (Compilation::GDataMethodTable) Compilation::GDataMethodTable->C_put(header);
-  if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
-    for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) {
-      std::ostream& out = c->getValueTable() ? code : header;
-      c->C_put(out, this);
-      out << "\n";
-    }
+namespace {
 
-  Bddexpressionwood* wood = getBddWood();
-  if (!wood) {
+// The pieces of one module's C text, in the order C_put writes them.
+struct CWriter {
+  Module* mod;
+  std::ostream& code;
+  std::ostream& header;
+  Bddexpressionwood* wood;
+  std::string m;
+  std::list<regclass*> registers;
+  std::list<memorizedSignal*> pres;
+  std::list<Signal*> inputs, outputs, locals;
+  std::list<std::string> pointer_wires;
+
+  CWriter(Module* module, std::ostream& c, std::ostream& h)
+      : mod(module), code(c), header(h), wood(module->getBddWood()), m(module->getName()) {
+    auto copy = [](auto* l) { return l ? *l : std::remove_pointer_t<decltype(l)>(); };
+    registers = copy(mod->getRegisterList());
+    pres = copy(mod->getPreSignalList());
+    inputs = copy(mod->getInputSignalList());
+    outputs = copy(mod->getOutputSignalList());
+    locals = copy(mod->getLocalSignalList());
+  }
+
+  std::string wire(long id) const { return wood->Name_var_by_index(id); }
+  bool bound(Signal* s) const { return mod->getBinding(s->getOriginalName()) != nullptr; }
+
+  void openingAndData() {
+    code << "#include \"" << m << ".h\"" << "\n" << "#define false 0" << "\n" << "#define true (!false)" << "\n"
+         << "\n";
+    header << "#ifndef " << m << "_H" << "\n" << "#define " << m << "_H" << "\n";
+    if (Compilation::GDataTypeTable) {
+      for (const auto& entry : Compilation::GDataTypeTable->getTypeTable())
+        header << "#include \"C_data_user_" << entry.first << ".h\"" << "\n";
+      Compilation::GDataTypeTable->C_put(header);
+    }
+    if (Compilation::GDataMethodTable) Compilation::GDataMethodTable->C_put(header);
+    if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
+      for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) {
+        std::ostream& out = c->getValueTable() ? code : header;
+        c->C_put(out, mod);
+        out << "\n";
+      }
+  }
+
+  void globals() {
+    if (!registers.empty()) {
+      code << "/* global state variables */" << "\n" << "int ";
+      bool first = true;
+      for (regclass* r : registers) {
+        if (!first) code << "," << "\n" << "    ";
+        first = false;
+        code << wire(r->actual_var()->getOverBddId(mod, wood));
+      }
+      code << ";" << "\n" << "\n";
+    }
+    if (!pres.empty()) {
+      code << "/* global pre variables */" << "\n";
+      for (memorizedSignal* p : pres) {
+        Signal* pre = p->getPre();
+        code << "int " << m << "_" << pre->getOriginalName() << ";" << "\n";
+        if (pre->isValued(mod))
+          code << pre->getValueType(mod) << " " << m << "_" << pre->getOriginalName() << "_val;" << "\n";
+      }
+      code << "\n";
+    }
+  }
+
+  void resetFunction() {
+    header << "extern void " << m << "_reset_automaton();" << "\n";
+    code << "void " << m << "_reset_automaton()" << "{" << "\n";
+    if (!registers.empty()) {
+      code << "  /* global state variables initialisation */" << "\n";
+      for (regclass* r : registers)
+        code << "  " << wire(r->actual_var()->getOverBddId(mod, wood)) << "= " << r->is_initialy_true() << ";"
+             << "\n";
+    }
+    if (!pres.empty()) {
+      code << "  /* pre variables initialisation */" << "\n";
+      for (memorizedSignal* p : pres) {
+        Signal* pre = p->getPre();
+        const std::string& pn = pre->getOriginalName();
+        code << "  " << m << "_" << pn << "= 0;" << "\n";
+        if (pre->isValued(mod) && has_id(pre->getOverBddId(mod, wood))) {
+          const std::string t = pre->getValueType(mod);
+          code << "  " << m << "_" << pn << "_val = copy_" << t << "(" << p->getInitialValue() << ");" << "\n";
+        }
+      }
+      code << "\n";
+    }
+    code << "}" << "\n" << "\n";
+  }
+
+  // Inputs by value, outputs through pointers; a bound signal has no parameter.
+  void stepHead() {
+    code << "void " << m << "_automaton(";
+    header << "extern void " << m << "_automaton(";
+    bool first = true;
+    auto input_parameter = [&](const std::string& w, Signal* s) {
+      if (first) {
+        code << "int ";
+        header << "int ";
+      } else {
+        code << ", int ";
+        header << ", int  ";
+      }
+      first = false;
+      code << w;
+      header << w;
+      if (s->isValued(mod)) {
+        const std::string t = s->getValueType(mod);
+        code << ", " << t << " " << w << "_val";
+        header << ", " << t << " " << w << "_val";
+      }
+    };
+    auto output_parameter = [&](const std::string& w, Signal* s) {
+      const std::string sep = first ? "int* " : ", int*";
+      first = false;
+      code << sep << w;
+      header << sep << w;
+      if (s->isValued(mod)) {
+        const std::string t = s->getValueType(mod);
+        code << ", " << t << "* " << w << "_val";
+        header << ", " << t << "* " << w << "_val";
+      }
+      pointer_wires.push_back(w);
+    };
+    const bool finalised = mod->getFinalised();
+    for (Signal* s : inputs) {
+      long over = s->getOverBddId(mod, wood);
+      if (!has_id(over) || bound(s)) continue;
+      input_parameter(wire(over), s);
+      long under = s->getUnderBddId(mod, wood);
+      if (!finalised && has_id(under)) input_parameter(wire(under), s);
+    }
+    for (Signal* s : outputs) {
+      long over = s->getInitialOverBddId(mod, wood);
+      if (!has_id(over) || bound(s)) continue;
+      output_parameter(wire(over), s);
+      long under = s->getInitialUnderBddId(mod, wood);
+      if (!finalised && has_id(under)) output_parameter(wire(under), s);
+    }
+    code << ")" << "\n" << "{" << "\n";
+    header << ");" << "\n";
+  }
+
+  void stepLocals() {
+    std::set<long> used = wood->Set_of_index_used_variables();
+    for (Signal* s : inputs)
+      if (has_id(s->getOverBddId(mod, wood))) used.erase(s->getInitialOverBddId(mod, wood));
+    for (memorizedSignal* p : pres)
+      if (has_id(p->getPre()->getOverBddId(mod, wood))) used.erase(p->getPre()->getInitialOverBddId(mod, wood));
+    for (Signal* s : outputs)
+      if (has_id(s->getOverBddId(mod, wood))) used.erase(s->getInitialOverBddId(mod, wood));
+    for (regclass* r : registers) used.erase(r->actual_var()->getOverBddId(mod, wood));
+    if (!mod->getFinalised())
+      for (Signal* s : outputs)
+        if (has_id(s->getUnderBddId(mod, wood))) used.erase(s->getInitialUnderBddId(mod, wood));
+    for (long id : used)
+      if (id >= 0) code << "  int " << wire(id) << ";" << "\n";
+    for (Signal* s : locals) {
+      long over = s->getInitialOverBddId(mod, wood);
+      if (!has_id(over) || !s->isValued(mod) || mod->getBinding(s->getName(mod))) continue;
+      const std::string t = s->getValueType(mod);
+      code << "  " << t << " " << wire(over) << "_val" << " = copy_" << t << "(zero_" << t << ");" << "\n";
+    }
+    code << "  int " << m << "_node" << "[" << wood->my_bdd_manager()->Bdd_total_size() << "];" << "\n";
+    for (Signal* s : outputs) {
+      long over = s->getInitialOverBddId(mod, wood);
+      if (!has_id(over) || bound(s) || !s->isValued(mod)) continue;
+      const std::string t = s->getValueType(mod);
+      code << "  *" << wire(over) << "_val = " << "copy_" << t << "(zero_" << t << ");" << "\n";
+    }
+    if (!pres.empty()) {
+      for (memorizedSignal* p : pres) {
+        Signal* pre = p->getPre();
+        const std::string& pn = pre->getOriginalName();
+        code << "  int " << pn << "= " << m << "_" << pn << ";" << "\n";
+        if (pre->isValued(mod)) {
+          const std::string t = pre->getValueType(mod);
+          code << "  " << t << " " << pn << "_val= copy_" << t << "(" << m << "_" << pn << "_val);" << "\n";
+        }
+      }
+      code << "\n";
+    }
+    // An absent valued input carries the zero of its type.
+    for (Signal* s : inputs) {
+      long over = s->getOverBddId(mod, wood);
+      if (!has_id(over) || bound(s) || !s->isValued(mod)) continue;
+      const std::string w = wire(over), t = s->getValueType(mod);
+      code << "  if (" << w << " == 0)" << "\n" << "     {" << "\n"
+           << "          " << w << "_val= " << "copy_" << t << "(zero_" << t << ");" << "\n"
+           << "     }" << "\n";
+    }
+  }
+
+  // A valued output that stayed absent carries the zero of its type.
+  void absentOutputValues() {
+    std::map<std::string, Signal*> clocks;
+    for (Signal* s : outputs) {
+      std::list<DataBinding*>* bindings = mod->getDataBindingByClock(s);
+      if (bindings && !bindings->empty()) clocks[s->getInternalName()] = s;
+      delete bindings;
+    }
+    for (auto& [x, s] : clocks) {
+      const std::string t = s->getValueType(mod);
+      code << "   if (! *" << x << ")" << "\n" << "   {" << "\n"
+           << "      *" << x << "_val = copy_" << t << "(zero_" << t << ");" << "\n" << "   }" << "\n";
+    }
+  }
+
+  void refreshState() {
+    if (!registers.empty()) {
+      code << "\n" << "  " << "/* refresh registers */" << "\n";
+      for (regclass* r : registers)
+        code << "  " << wire(r->actual_var()->getOverBddId(mod, wood)) << "= "
+             << wire(r->next_var()->getOverBddId(mod, wood)) << ";" << "\n";
+      code << "\n";
+    }
+    if (!pres.empty()) {
+      code << "  /* refresh global pre variables */" << "\n";
+      for (memorizedSignal* p : pres) {
+        Signal* pre = p->getPre();
+        Signal* a = p->getActual();
+        const std::string& pn = pre->getOriginalName();
+        const std::string r = a->isLocal() ? wire(a->getInitialOverBddId(mod, wood)) : a->getOriginalName();
+        const std::string prefix = a->isOutput() ? "*" : "";
+        code << "  " << m << "_" << pn << "= " << prefix << r << ";" << "\n";
+        if (pre->isValued(mod))
+          code << "  " << m << "_" << pn << "_val= copy_" << pre->getValueType(mod) << "(" << prefix << r
+               << "_val);" << "\n";
+      }
+      code << "\n";
+    }
+  }
+};
+
+}  // namespace
+
+void Module::C_put(std::ostream& code, std::ostream& header) {
+  CWriter w(this, code, header);
+  w.openingAndData();
+  if (!w.wood) {
     header << "#endif\n";
     return;
   }
-  auto wire = [&](long id) { return wood->Name_var_by_index(id); };
-  std::list<regclass*> registers = registerList ? *registerList : std::list<regclass*>();
-  std::list<memorizedSignal*> pres = preList ? *preList : std::list<memorizedSignal*>();
-  std::list<Signal*> inputs = inputList ? *inputList : std::list<Signal*>();
-  std::list<Signal*> outputs = outputList ? *outputList : std::list<Signal*>();
-  std::list<Signal*> locals = localList ? *localList : std::list<Signal*>();
-
-  if (!registers.empty()) {
-    code << "/* global state variables */" << "\n" << "int ";
-    bool first = true;
-    for (regclass* r : registers) {
-      if (!first) code << "," << "\n" << "    ";
-      first = false;
-      code << wire(r->actual_var()->getOverBddId(this, wood));
-    }
-    code << ";" << "\n" << "\n";
-  }
-  if (!pres.empty()) {
-    code << "/* global pre variables */" << "\n";
-    for (memorizedSignal* p : pres) {
-      Signal* pre = p->getPre();
-      code << "int " << m << "_" << pre->getOriginalName() << ";" << "\n";
-      if (pre->isValued(this))
-        code << pre->getValueType(this) << " " << m << "_" << pre->getOriginalName() << "_val;" << "\n";
-    }
-    code << "\n";
-  }
-
-  header << "extern void " << m << "_reset_automaton();" << "\n";
-  code << "void " << m << "_reset_automaton()" << "{" << "\n";
-  if (!registers.empty()) {
-    code << "  /* global state variables initialisation */" << "\n";
-    for (regclass* r : registers)
-      code << "  " << wire(r->actual_var()->getOverBddId(this, wood)) << "= " << r->is_initialy_true() << ";"
-           << "\n";
-  }
-  if (!pres.empty()) {
-    code << "  /* pre variables initialisation */" << "\n";
-    for (memorizedSignal* p : pres) {
-      Signal* pre = p->getPre();
-      const std::string& pn = pre->getOriginalName();
-      code << "  " << m << "_" << pn << "= 0;" << "\n";
-      if (pre->isValued(this) && has_id(pre->getOverBddId(this, wood))) {
-        const std::string t = pre->getValueType(this);
-        code << "  " << m << "_" << pn << "_val = copy_" << t << "(" << p->getInitialValue() << ");" << "\n";
-      }
-    }
-    code << "\n";
-  }
-  code << "}" << "\n" << "\n";
-
-  // The step function's parameters.
-  code << "void " << m << "_automaton(";
-  header << "extern void " << m << "_automaton(";
-  std::list<std::string> pointer_wires;
-  bool first = true;
-  auto input_parameter = [&](const std::string& w, Signal* s) {
-    if (first) {
-      code << "int ";
-      header << "int ";
-    } else {
-      code << ", int ";
-      header << ", int  ";
-    }
-    first = false;
-    code << w;
-    header << w;
-    if (s->isValued(this)) {
-      const std::string t = s->getValueType(this);
-      code << ", " << t << " " << w << "_val";
-      header << ", " << t << " " << w << "_val";
-    }
-  };
-  auto output_parameter = [&](const std::string& w, Signal* s) {
-    const std::string sep = first ? "int* " : ", int*";
-    first = false;
-    code << sep << w;
-    header << sep << w;
-    if (s->isValued(this)) {
-      const std::string t = s->getValueType(this);
-      code << ", " << t << "* " << w << "_val";
-      header << ", " << t << "* " << w << "_val";
-    }
-    pointer_wires.push_back(w);
-  };
-  auto bound = [&](Signal* s) { return getBinding(s->getOriginalName()) != nullptr; };
-  for (Signal* s : inputs) {
-    long over = s->getOverBddId(this, wood);
-    if (!has_id(over) || bound(s)) continue;
-    input_parameter(wire(over), s);
-    long under = s->getUnderBddId(this, wood);
-    if (!finalised && has_id(under)) input_parameter(wire(under), s);
-  }
-  for (Signal* s : outputs) {
-    long over = s->getInitialOverBddId(this, wood);
-    if (!has_id(over) || bound(s)) continue;
-    output_parameter(wire(over), s);
-    long under = s->getInitialUnderBddId(this, wood);
-    if (!finalised && has_id(under)) output_parameter(wire(under), s);
-  }
-  code << ")" << "\n" << "{" << "\n";
-  header << ");" << "\n";
-
-  // Locals of the step.
-  std::set<long> used = wood->Set_of_index_used_variables();
-  for (Signal* s : inputs)
-    if (has_id(s->getOverBddId(this, wood))) used.erase(s->getInitialOverBddId(this, wood));
-  for (memorizedSignal* p : pres)
-    if (has_id(p->getPre()->getOverBddId(this, wood))) used.erase(p->getPre()->getInitialOverBddId(this, wood));
-  for (Signal* s : outputs)
-    if (has_id(s->getOverBddId(this, wood))) used.erase(s->getInitialOverBddId(this, wood));
-  for (regclass* r : registers) used.erase(r->actual_var()->getOverBddId(this, wood));
-  if (!finalised)
-    for (Signal* s : outputs)
-      if (has_id(s->getUnderBddId(this, wood))) used.erase(s->getInitialUnderBddId(this, wood));
-  for (long id : used)
-    if (id >= 0) code << "  int " << wire(id) << ";" << "\n";
-  for (Signal* s : locals) {
-    long over = s->getInitialOverBddId(this, wood);
-    if (!has_id(over) || !s->isValued(this) || getBinding(s->getName(this))) continue;
-    const std::string t = s->getValueType(this);
-    code << "  " << t << " " << wire(over) << "_val" << " = copy_" << t << "(zero_" << t << ");" << "\n";
-  }
-  code << "  int " << m << "_node" << "[" << wood->my_bdd_manager()->Bdd_total_size() << "];" << "\n";
-  for (Signal* s : outputs) {
-    long over = s->getInitialOverBddId(this, wood);
-    if (!has_id(over) || bound(s) || !s->isValued(this)) continue;
-    const std::string t = s->getValueType(this);
-    code << "  *" << wire(over) << "_val = " << "copy_" << t << "(zero_" << t << ");" << "\n";
-  }
-  if (!pres.empty()) {
-    for (memorizedSignal* p : pres) {
-      Signal* pre = p->getPre();
-      const std::string& pn = pre->getOriginalName();
-      code << "  int " << pn << "= " << m << "_" << pn << ";" << "\n";
-      if (pre->isValued(this)) {
-        const std::string t = pre->getValueType(this);
-        code << "  " << t << " " << pn << "_val= copy_" << t << "(" << m << "_" << pn << "_val);" << "\n";
-      }
-    }
-    code << "\n";
-  }
-  for (Signal* s : inputs) {
-    long over = s->getOverBddId(this, wood);
-    if (!has_id(over) || bound(s) || !s->isValued(this)) continue;
-    const std::string w = wire(over), t = s->getValueType(this);
-    code << "  if (" << w << " == 0)" << "\n" << "     {" << "\n"
-         << "          " << w << "_val= " << "copy_" << t << "(zero_" << t << ");" << "\n"
-         << "     }" << "\n";
-  }
-
+  w.globals();
+  w.resetFunction();
+  w.stepHead();
+  w.stepLocals();
   code << "  " << " /* outputs computing */" << "\n";
-  C_put_equation(code, m + "_node", pointer_wires);
-
-  // A valued output that stayed absent carries the zero of its type.
-  std::map<std::string, Signal*> clocks;
-  for (Signal* s : outputs) {
-    std::list<DataBinding*>* bindings = getDataBindingByClock(s);
-    if (bindings && !bindings->empty()) clocks[s->getInternalName()] = s;
-    delete bindings;
-  }
-  for (auto& [x, s] : clocks) {
-    const std::string t = s->getValueType(this);
-    code << "   if (! *" << x << ")" << "\n" << "   {" << "\n"
-         << "      *" << x << "_val = copy_" << t << "(zero_" << t << ");" << "\n" << "   }" << "\n";
-  }
-
-  if (!registers.empty()) {
-    code << "\n" << "  " << "/* refresh registers */" << "\n";
-    for (regclass* r : registers)
-      code << "  " << wire(r->actual_var()->getOverBddId(this, wood)) << "= "
-           << wire(r->next_var()->getOverBddId(this, wood)) << ";" << "\n";
-    code << "\n";
-  }
-  if (!pres.empty()) {
-    code << "  /* refresh global pre variables */" << "\n";
-    for (memorizedSignal* p : pres) {
-      Signal* pre = p->getPre();
-      Signal* a = p->getActual();
-      const std::string& pn = pre->getOriginalName();
-      const std::string r = a->isLocal() ? wire(a->getInitialOverBddId(this, wood)) : a->getOriginalName();
-      const std::string prefix = a->isOutput() ? "*" : "";
-      code << "  " << m << "_" << pn << "= " << prefix << r << ";" << "\n";
-      if (pre->isValued(this))
-        code << "  " << m << "_" << pn << "_val= copy_" << pre->getValueType(this) << "(" << prefix << r
-             << "_val);" << "\n";
-    }
-    code << "\n";
-  }
+  C_put_equation(code, name + "_node", w.pointer_wires);
+  w.absentOutputValues();
+  w.refreshState();
   code << "}" << "\n" << "\n";
   header << "#endif\n";
 }

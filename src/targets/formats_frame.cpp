@@ -8,7 +8,7 @@
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
-#include "gui/formspp.h"
+#include "util/report.h"
 #include "targets/formats.h"
 
 std::string target_file_name(const std::string& module, const std::string& output_file,
@@ -29,7 +29,7 @@ bool open_target(std::ofstream& out, const std::string& path, bool warnExisting)
   out.open(path);
   if (out.is_open()) return true;
   const std::string text = "Cannot open output file: " + path;
-  fl_show_Smessages(text);
+  report_message(text);
   std::cerr << text << std::endl;
   return false;
 }

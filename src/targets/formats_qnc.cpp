@@ -192,6 +192,94 @@ static std::string oneLine(std::string s) {
   return s;
 }
 
+namespace {
+
+// Locals, then the later occurrences of the outputs. The reader's grammar wants at least one
+// name before the ";", so an empty section is not written at all.
+void putLocals(std::ostream& out, Module* m, Bddexpressionwood* wood, FileNumbers& numbers, int forgetLocals) {
+  std::ostringstream locals;
+  bool any = false;
+  auto putPair = [&](long over, long under) {
+    numbers.number(over);
+    numbers.number(under);
+    any = true;
+    if (forgetLocals) {
+      locals << "  V" << numbers.data()[over];
+      return;
+    }
+    SignalRef* ref = m->getSignalManager()->getSignalRefById(over, wood);
+    if (!ref) Compilation::fatal(m->getSignalNameById(over) + " no signal reference ");
+    locals << " " << ref->getCurrentName();
+    if (ref->isValued()) locals << " : " << ref->getType();
+  };
+  if (m->getLocalSignalList())
+    for (Signal* s : *m->getLocalSignalList()) {
+      std::list<long> ids = s->getAllBddId(m, wood);
+      for (auto it = ids.begin(); it != ids.end(); ++it) {
+        long over = *it;
+        if (++it == ids.end()) break;
+        putPair(over, *it);
+      }
+    }
+  if (m->getOutputSignalList())
+    for (Signal* s : *m->getOutputSignalList()) {
+      std::list<long> ids = s->getAllBddId(m, wood);
+      if (ids.size() < 2) continue;
+      auto it = std::next(ids.begin(), 2);
+      for (; it != ids.end(); ++it) {
+        long over = *it;
+        if (++it == ids.end()) break;
+        putPair(over, *it);
+      }
+    }
+  // Variables that the saved equations or bindings read and that no list names (value
+  // signals made for bindings, say) stand here too: otherwise the reader would not
+  // create them, and their numbers would be -1, which reads as the terminal.
+  for (const auto& [over, under] : unlistedVariables(m, wood)) {
+    numbers.number(over);
+    numbers.number(under);
+    any = true;
+    SignalRef* ref = m->getSignalManager()->getSignalRefById(over, wood);
+    if (forgetLocals || !ref) {
+      locals << "  V" << numbers.data()[over];
+      continue;
+    }
+    locals << " " << ref->getCurrentName();
+    if (ref->isValued()) locals << " : " << ref->getType();
+  }
+  if (any) out << "local:" << locals.str() << ";" << std::endl;
+}
+
+// The run's user types, methods and constants, when there are any.
+void putDataSection(std::ostream& out) {
+  if (Compilation::GDataTypeTable || Compilation::GDataMethodTable ||
+      Compilation::GDataConstantTable) {
+    out << "data:" << std::endl;
+    if (Compilation::GDataTypeTable)
+      Compilation::GDataTypeTable->print(out, false);
+    else
+      out << "type:" << std::endl << std::endl;
+    if (Compilation::GDataMethodTable) Compilation::GDataMethodTable->print(out, false);
+    if (Compilation::GDataConstantTable) {
+      out << "constant:" << std::endl;
+      // "$k" in the evaluation table is a constant index, and the reader numbers the
+      // constants by their place in this section: numbered constants first, by index.
+      std::vector<ConstantDecl*> ordered;
+      if (std::list<ConstantDecl*>* list = Compilation::GDataConstantTable->getConstantList())
+        ordered.assign(list->begin(), list->end());
+      std::stable_sort(ordered.begin(), ordered.end(), [](ConstantDecl* a, ConstantDecl* b) {
+        long ka = a->getConstantIndex() < 0 ? LONG_MAX : a->getConstantIndex();
+        long kb = b->getConstantIndex() < 0 ? LONG_MAX : b->getConstantIndex();
+        return ka < kb;
+      });
+      for (ConstantDecl* c : ordered) putConstant(out, c);
+    }
+    out << "end:" << std::endl << std::endl;
+  }
+}
+
+}  // namespace
+
 void Module::save() {
   if (!getBddWood() || !getBddWood()->my_bdd_manager() || !set || !reset || !rtl)
     Compilation::fatal("Module::save: module " + name + " is not compiled");
@@ -245,61 +333,7 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
     out << " ;" << std::endl;
   }
 
-  // Locals, then the later occurrences of the outputs. The reader's grammar wants at
-  // least one name before the ";", so an empty section is not written at all.
-  {
-    std::ostringstream locals;
-    bool any = false;
-    auto putPair = [&](long over, long under) {
-      numbers.number(over);
-      numbers.number(under);
-      any = true;
-      if (forgetLocals) {
-        locals << "  V" << numbers.data()[over];
-        return;
-      }
-      SignalRef* ref = signalManager->getSignalRefById(over, wood);
-      if (!ref) Compilation::fatal(getSignalNameById(over) + " no signal reference ");
-      locals << " " << ref->getCurrentName();
-      if (ref->isValued()) locals << " : " << ref->getType();
-    };
-    if (localList)
-      for (Signal* s : *localList) {
-        std::list<long> ids = s->getAllBddId(this, wood);
-        for (auto it = ids.begin(); it != ids.end(); ++it) {
-          long over = *it;
-          if (++it == ids.end()) break;
-          putPair(over, *it);
-        }
-      }
-    if (outputList)
-      for (Signal* s : *outputList) {
-        std::list<long> ids = s->getAllBddId(this, wood);
-        if (ids.size() < 2) continue;
-        auto it = std::next(ids.begin(), 2);
-        for (; it != ids.end(); ++it) {
-          long over = *it;
-          if (++it == ids.end()) break;
-          putPair(over, *it);
-        }
-      }
-    // Variables that the saved equations or bindings read and that no list names (value
-    // signals made for bindings, say) stand here too: otherwise the reader would not
-    // create them, and their numbers would be -1, which reads as the terminal.
-    for (const auto& [over, under] : unlistedVariables(this, wood)) {
-      numbers.number(over);
-      numbers.number(under);
-      any = true;
-      SignalRef* ref = signalManager->getSignalRefById(over, wood);
-      if (forgetLocals || !ref) {
-        locals << "  V" << numbers.data()[over];
-        continue;
-      }
-      locals << " " << ref->getCurrentName();
-      if (ref->isValued()) locals << " : " << ref->getType();
-    }
-    if (any) out << "local:" << locals.str() << ";" << std::endl;
-  }
+  putLocals(out, this, wood, numbers, forgetLocals);
 
   if (registerList && !registerList->empty()) {
     out << "register:" << std::endl;
@@ -352,30 +386,7 @@ void Module::QNC_put(std::ostream& out, int, int, int forgetLocals) {
     printBinding(out, numbers.data());
   }
 
-  if (Compilation::GDataTypeTable || Compilation::GDataMethodTable ||
-      Compilation::GDataConstantTable) {
-    out << "data:" << std::endl;
-    if (Compilation::GDataTypeTable)
-      Compilation::GDataTypeTable->print(out, false);
-    else
-      out << "type:" << std::endl << std::endl;
-    if (Compilation::GDataMethodTable) Compilation::GDataMethodTable->print(out, false);
-    if (Compilation::GDataConstantTable) {
-      out << "constant:" << std::endl;
-      // "$k" in the evaluation table is a constant index, and the reader numbers the
-      // constants by their place in this section: numbered constants first, by index.
-      std::vector<ConstantDecl*> ordered;
-      if (std::list<ConstantDecl*>* list = Compilation::GDataConstantTable->getConstantList())
-        ordered.assign(list->begin(), list->end());
-      std::stable_sort(ordered.begin(), ordered.end(), [](ConstantDecl* a, ConstantDecl* b) {
-        long ka = a->getConstantIndex() < 0 ? LONG_MAX : a->getConstantIndex();
-        long kb = b->getConstantIndex() < 0 ? LONG_MAX : b->getConstantIndex();
-        return ka < kb;
-      });
-      for (ConstantDecl* c : ordered) putConstant(out, c);
-    }
-    out << "end:" << std::endl << std::endl;
-  }
+  putDataSection(out);
 }
 
 void Bddexpressionwood::Put_qnc(std::ostream& out, const long* corres, int debug) {

@@ -6,10 +6,10 @@
 
 #include "data/data.h"
 #include "driver/compilation.h"
-#include "gui/formspp.h"
 #include "model/module.h"
 #include "sim/sim_support.h"
 #include "targets/quarns_server.h"
+#include "util/report.h"
 
 namespace {
 
@@ -379,7 +379,7 @@ void Module::save_quarns_code() {
   std::ofstream out(path);
   if (!out) {
     std::string text = "Cannot open quarns file:" + path;
-    fl_show_Smessages(text);
+    report_message(text);
     std::cerr << text << std::endl;
   }
   SIMUL_QNC_put(out);

@@ -46,6 +46,7 @@ TEST(Simulate, DumpsAroundFinalizationAndWritesTheNetlist) {
 
 TEST(Simulate, RequiresCompilation) {
   Module m("raw");
+  m.setCompilation(nullptr);
   EXPECT_EXIT(m.simulate(), testing::ExitedWithCode(1), "Simulation requires compilation");
 }
 

@@ -10,7 +10,7 @@
 #include <cstdlib>
 
 #include "gui/formspp.h"
-#include "sim/sim_panels.h"
+#include "gui/sim_panels.h"
 
 namespace {
 

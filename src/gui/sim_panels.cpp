@@ -1,4 +1,4 @@
-#include "sim/sim_panels.h"
+#include "gui/sim_panels.h"
 
 #include <FL/Enumerations.H>
 #include <FL/Fl.H>
