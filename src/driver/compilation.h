@@ -109,6 +109,5 @@ class Compilation {
 
   // Simulator link: sends buffer, logs "Socket_call buffer: " and it on the error stream,
   // returns one reply of at most 1023 bytes ("" once the peer has closed).
-  // TODO(sim): defined beside the socket layer (SOCK_write/SOCK_read) when it lands.
   static std::string Socket_call(const std::string& buffer, socket_type* s);
 };

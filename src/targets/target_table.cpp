@@ -4,6 +4,7 @@
 #include "model/module.h"
 #include "targets/debug_trace.h"
 #include "targets/formats.h"
+#include "targets/quarns_server.h"
 
 namespace {
 
@@ -20,8 +21,12 @@ std::vector<std::string> csharpFiles(const std::string& m) { return {target_path
 std::vector<std::string> vhdlFiles(const std::string& m) { return {target_path(m, ".vhd", false)}; }
 std::vector<std::string> qncFiles(const std::string& m) { return {target_path(m, ".qnc", true)}; }
 std::vector<std::string> debugFiles(const std::string& m) { return {debug_trace_path(m)}; }
-std::vector<std::string> quarnsFiles(const std::string& m) { return {"quarns_" + m + ".cc"}; }
-std::vector<std::string> noFiles(const std::string&) { return {}; }
+std::vector<std::string> quarnsFiles(const std::string& m) {
+  return {Module::SimulationQncDir + "/quarns_" + m + ".cc"};
+}
+std::vector<std::string> blifSimulationFiles(const std::string& m) {
+  return {Module::SimulationDir + m + ".blif"};
+}
 
 }  // namespace
 
@@ -49,13 +54,18 @@ const std::vector<Target>& targetTable() {
       {"-debug", &Compilation::DebugFlag, "the debug trace", false, none, debugFiles,
        [](Module& m) { m.printDebug(); }},
       {"-pure_simul", &Compilation::PureSimulFlag, "the pure simulation", false,
-       [](const std::string& m) { return "\n*** Simulate " + m + "\n"; }, noFiles, nullptr},
+       [](const std::string& m) { return "\n*** Simulate " + m + "\n"; }, blifSimulationFiles,
+       [](Module& m) { m.simulate(); }},
       {"-valued_simul", &Compilation::ValuedSimulFlag, "the valued simulation", false,
        [](const std::string&) { return std::string("\n*** Simulate  with valued simulator\n"); },
-       quarnsFiles, nullptr},
+       quarnsFiles,
+       [](Module& m) {
+         m.save_quarns_code();
+         runValuedSimulator(m.getName());
+       }},
       {"-quarns", &Compilation::QuarnsFlag, "the simulation server source", false,
        [](const std::string& m) { return "\n*** Save File for quarns:" + m + "\n"; }, quarnsFiles,
-       nullptr},
+       [](Module& m) { m.save_quarns_code(); }},
   };
   return table;
 }
