@@ -1,11 +1,11 @@
 # Top-level entry points. `make demo` and `make test` work on a fresh Debian machine as root.
-PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev python3 valgrind
+PACKAGES := cmake make g++ gcc flex bison libfl-dev libfltk1.3-dev googletest libgtest-dev ghdl berkeley-abc yosys iverilog python3 mono-mcs mono-runtime libsystemc-dev valgrind xvfb xdotool x11-apps x11-utils ghostscript poppler-utils
 FUZZ_PACKAGES := clang libclang-rt-14-dev
 BENCH_PACKAGES := libbdd-dev libbenchmark-dev
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all build demo test bench deps bench-deps fuzz fuzz-deps clean
+.PHONY: all build demo vhdl-demo test bench deps bench-deps fuzz fuzz-deps clean
 
 all: build
 
@@ -36,6 +36,10 @@ build: deps
 demo: build
 	@bash examples/demo.sh build/quarnc
 
+# A handshake circuit compiled to VHDL and simulated by GHDL.
+vhdl-demo: build
+	@bash examples/vhdl/run.sh build/quarnc
+
 # The whole suite, built with AddressSanitizer and UndefinedBehaviorSanitizer.
 test: deps
 	cmake -S . -B build-san -DCMAKE_BUILD_TYPE=Debug -DQUARN_SANITIZE=ON -DQUARN_TESTS=ON
@@ -45,7 +49,9 @@ test: deps
 bench: bench-deps
 	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DQUARN_TESTS=OFF -DQUARN_BENCH=ON
 	cmake --build build -j $(JOBS)
-	@for b in build/bench/*_bench; do [ -x "$$b" ] && "$$b"; done
+	@for b in build/bench/*_bench; do [ -x "$$b" ] && { echo "== $$b"; "$$b" | tee "$$b.out"; }; done
+	@echo; echo "== summary"; for b in build/bench/*_bench; do \
+	  [ -f "$$b.out" ] && sed -n '/^summary/,$$p' "$$b.out" | sed "s|^|$$(basename $$b): |"; done
 
 # Each libFuzzer harness for FUZZ_TIME seconds (an input may take FUZZ_TIMEOUT), from the
 # corpus in fuzz/corpus (new inputs go to build-fuzz/corpus, crashes to build-fuzz/crash-*);

@@ -1,11 +1,18 @@
 #include "gui/formspp.h"
 
+#include <FL/Fl.H>
+#include <FL/Fl_Browser.H>
+#include <FL/Fl_Button.H>
+#include <FL/Fl_Window.H>
 #include <FL/Fl_Input_.H>
 #include <FL/forms.H>
+#include <FL/x.H>
 #include <dlfcn.h>
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
+#include <sstream>
 
 #include "util/Stringpp.h"
 
@@ -32,10 +39,73 @@ static bool probe_display() {
   return ok;
 }
 
+namespace {
+
+// A text picture of a window and its widgets: kind, label, geometry, and the value of
+// inputs, buttons and browsers.
+void describe(std::ostream& out, Fl_Widget* w, int depth) {
+  std::string indent(2 * depth, ' ');
+  const char* label = w->label() != nullptr ? w->label() : "";
+  if (depth == 0) {
+    out << "window \"" << label << "\" " << w->w() << "x" << w->h() << " xid "
+        << static_cast<unsigned long>(fl_xid(static_cast<Fl_Window*>(w))) << "\n";
+  } else {
+    auto* input = dynamic_cast<Fl_Input_*>(w);
+    auto* button = dynamic_cast<Fl_Button*>(w);
+    auto* browser = dynamic_cast<Fl_Browser*>(w);
+    out << indent << (input ? "input" : button ? "button" : browser ? "browser" : "widget") << " \""
+        << label << "\" " << w->x() << "," << w->y() << " " << w->w() << "x" << w->h();
+    if (input != nullptr) out << " value \"" << input->value() << "\"";
+    if (button != nullptr) out << " value " << static_cast<int>(button->value());
+    if (browser != nullptr) {
+      out << " lines " << browser->size();
+      if (browser->size() > 0) out << " first \"" << browser->text(1) << "\"";
+    }
+    if (!w->visible()) out << " hidden";
+    if (!w->active_r()) out << " inactive";
+    out << "\n";
+  }
+  if (auto* g = w->as_group())
+    for (int i = 0; i < g->children(); i++) describe(out, g->child(i), depth + 1);
+}
+
+// With QUARN_WIDGET_DUMP naming a file, every shown window is described there when it
+// appears and again whenever its description changes: tests read the labels and values
+// of the windows that a run opens.
+std::map<Fl_Window*, std::string>& lastDescriptions() {
+  static std::map<Fl_Window*, std::string> last;
+  return last;
+}
+
+void dumpWindows(void*) {
+  const char* path = std::getenv("QUARN_WIDGET_DUMP");
+  if (path == nullptr) return;
+  std::map<Fl_Window*, std::string> now;
+  for (Fl_Window* w = Fl::first_window(); w != nullptr; w = Fl::next_window(w)) {
+    if (!w->shown() || !w->visible()) continue;
+    std::ostringstream s;
+    describe(s, w, 0);
+    now[w] = s.str();
+    auto it = lastDescriptions().find(w);
+    if (it == lastDescriptions().end() || it->second != now[w]) {
+      std::ofstream out(path, std::ios::app);
+      out << now[w] << "end window\n";
+    }
+  }
+  lastDescriptions() = std::move(now);
+}
+
+}  // namespace
+
 bool quarn_display_reachable() {
   const char* batch = std::getenv("QUARN_BATCH");
   if (batch != nullptr) return false;
   static const bool reachable = probe_display();
+  static bool watching = false;
+  if (reachable && !watching && std::getenv("QUARN_WIDGET_DUMP") != nullptr) {
+    watching = true;
+    Fl::add_check(dumpWindows);
+  }
   return reachable;
 }
 
