@@ -70,6 +70,6 @@ int main(int argc, char** argv) {
     log_sum += std::log(ratio);
     ++timed;
   }
-  if (timed > 0) std::printf("geomean ratio=%.3f\n", std::exp(log_sum / timed));
+  if (timed > 0) std::printf("summary: geomean ratio=%.3f over %d workloads\n", std::exp(log_sum / timed), timed);
   return failed ? 1 : 0;
 }

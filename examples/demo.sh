@@ -44,5 +44,14 @@ run_abro() {
   echo "(O comes once both A and B have been seen; R starts over)"
 }
 
-STEPS=(banner usage compile_abro run_abro wrong_command_line)
+simulate_abro() {
+  cp "$EXAMPLES/abro.qn" "$EXAMPLES/abro.trace" "$WORK/"
+  step "simulate ABRO's netlist with tarvix on a trace, waveforms in abro.vcd" -pure_simul -main abro abro.qn
+  echo "(the equations before and after finalization are dumped; only the banners are shown)"
+  (cd "$WORK" && TARVIX_TRACE=abro.trace "$QUARNC" -pure_simul -main abro abro.qn 2>&1 |
+    grep -E '^(AVANT|APRES|[0-9]+ /|tarvix|\*\*\*|compilation)')
+  echo "waveforms: $(cd "$WORK" && grep -c '^\$var' abro.vcd) signals, $(cd "$WORK" && grep -c '^#' abro.vcd) time steps"
+}
+
+STEPS=(banner usage compile_abro run_abro simulate_abro wrong_command_line)
 for s in "${STEPS[@]}"; do "$s"; done

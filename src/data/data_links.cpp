@@ -14,7 +14,6 @@ std::string dataVarName(Module* module, long index, const std::string& signal) {
   return wood->Name_var_by_index(index);
 }
 
-// TODO(driver): Compilation::Socket_call once it is on main.
-std::string dataSocketCall(const std::string&, socket_type*) {
-  Compilation::IllegalOperationException("Compilation::Socket_call: not yet available");
+std::string dataSocketCall(const std::string& request, socket_type* sock) {
+  return Compilation::Socket_call(request, sock);
 }

@@ -147,8 +147,9 @@ void DataSignalValue::LUSTRE_put(std::ostream& out, Module* module) {
   out << synchronousValueName(signal, module) << "_val";
 }
 
+// Esterel reads the value of a signal S as ?S.
 void DataSignalValue::ESTEREL_put(std::ostream& out, Module* module) {
-  out << synchronousValueName(signal, module) << "_val";
+  out << "?" << synchronousValueName(signal, module);
 }
 
 void DataSignalValue::VHDL_put(std::ostream& out, Module* module) {

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "util/report.h"
+#include "front/qnc_reader.h"
 #include "model/module.h"
 #include "util/Stringpp.h"
 
@@ -24,6 +25,30 @@ bool Compilation::DebugFlag = false, Compilation::PureSimulFlag = false,
      Compilation::ForgetLocalsNameFlag = false, Compilation::CheckOverKnowledgeFlag = false,
      Compilation::SMVFlag = false, Compilation::CFlag = false, Compilation::CSHARPFlag = false,
      Compilation::BLIFFlag = false, Compilation::VHDLALTERAFlag = false;
+
+void Compilation::reset() {
+  ModTable = new ModuleTable();
+  QncModTable = new ModuleTable();
+  pqn_parser = nullptr;
+  pqnc_parser = nullptr;
+  GDataTypeTable = nullptr;
+  GDataMethodTable = nullptr;
+  GDataConstantTable = nullptr;
+  for (bool* f : {&DebugFlag, &PureSimulFlag, &ValuedSimulFlag, &QuarnsFlag, &MainFlag, &SaveFlag,
+                  &HelpFlag, &VersionFlag, &KeepWiresFlag, &ForgetLocalsNameFlag, &CheckOverKnowledgeFlag,
+                  &SMVFlag, &CFlag, &CSHARPFlag, &BLIFFlag, &VHDLALTERAFlag})
+    *f = false;
+  for (int* n : {&Module::PauseNumber, &Module::NothingNumber, &Module::HaltNumber, &Module::ParallelNumber,
+                 &Module::SequenceNumber, &Module::PresentNumber, &Module::AbsentNumber, &Module::LoopNumber,
+                 &Module::LocalNumber, &Module::WaitNumber, &Module::AbortNumber, &Module::EmitNumber,
+                 &Module::NoEmitNumber, &Module::SustainUntilNumber, &Module::RunNumber, &Module::SustainNumber,
+                 &Module::AutomatonNumber, &Module::MealyMachineNumber, &Module::TransitionNumber})
+    *n = 0;
+  Module::SimulationQncDir = ".";
+  Module::OutputDir = ".";
+  Module::OutputFile.clear();
+  Module::CompilationFileList = nullptr;
+}
 
 std::string Compilation::createSETName(const std::string& s) { return "SET" + s; }
 std::string Compilation::createRESETName(const std::string& s) { return "RESET" + s; }

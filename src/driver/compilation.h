@@ -91,6 +91,11 @@ class Compilation {
 
   // Parsers.
   static void qn_parse(const std::string& filename);
+
+  // Starts a run afresh: empty module tables, no data tables, every flag false, statement
+  // counters at zero, default output paths, no parser state. A second compilation in the
+  // same process (the tests, a panel) calls it first.
+  static void reset();
   static Module* qnc_parse(const std::string& file, std::string* instance,
                            std::list<std::string>* inputNames, std::list<std::string>* outputNames);
   static Module* qnc_parse(const std::string& file, std::string* instance, std::string* second,
@@ -104,6 +109,5 @@ class Compilation {
 
   // Simulator link: sends buffer, logs "Socket_call buffer: " and it on the error stream,
   // returns one reply of at most 1023 bytes ("" once the peer has closed).
-  // TODO(sim): defined beside the socket layer (SOCK_write/SOCK_read) when it lands.
   static std::string Socket_call(const std::string& buffer, socket_type* s);
 };

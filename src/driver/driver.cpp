@@ -144,14 +144,6 @@ std::string mainNameFromPath(const std::string& path) {
   return cut.substr(slash + 1);
 }
 
-std::string quarnsBuildCommand(const std::string& moduleName,
-                               const std::list<std::string>& typeNames) {
-  std::string command = "g++ quarns_" + moduleName + ".cc ";
-  for (const std::string& t : typeNames) command += "quarns_data_user_" + t + ".cc ";
-  command += "-o quarns_" + moduleName;
-  return command;
-}
-
 int runPipeline(const std::string& sourceFile, const std::string& mainName,
                 bool helpAmongOthers) {
   if (Compilation::HelpFlag) showHelp(helpAmongOthers);

@@ -38,9 +38,6 @@ void showVersion();
 // ".qn", behind the last "/" found at index 2 or higher. Empty without ".qn".
 std::string mainNameFromPath(const std::string& path);
 
-// The host compiler command that builds the valued simulation server.
-std::string quarnsBuildCommand(const std::string& moduleName, const std::list<std::string>& typeNames);
-
 // Runs the pipeline from the flags already set: help/version, parse, checks, compile,
 // targets, save, debug, simulation, timing line. Returns 0; failures exit(1).
 int runPipeline(const std::string& sourceFile, const std::string& mainName, bool helpAmongOthers);

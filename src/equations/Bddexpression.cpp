@@ -125,6 +125,8 @@ Bddexpression::Bddexpression(Bddexpressionwood* w, Bddexpressionwood* other_wood
 
 Bddexpression& Bddexpression::operator=(const Bddexpression& other) {
   if (this == &other) return *this;
+  if (wood != nullptr) wood->Leave_step();
+  if (other.wood != nullptr) other.wood->Leave_step();
   name = other.name;
   abstraction = other.abstraction;
   exp_def = other.exp_def;
@@ -148,8 +150,14 @@ bool Bddexpression::operator==(const Bddexpression& o) const {
 // ===================================================================
 
 void Bddexpression::setExpDef(const std::string& def) {
+  if (wood != nullptr && !def.empty()) wood->Leave_step();
   exp_def = def;
   if (!def.empty()) abstraction = 1;
+}
+
+void Bddexpression::setAbstraction(int a) {
+  if (wood != nullptr) wood->Leave_step();
+  abstraction = a;
 }
 
 long Bddexpression::getIndex() const {
@@ -199,6 +207,7 @@ void Bddexpression::setBddExp(const bdd& exp) {
     std::cerr << "   no wood defined! Aborted  ..." << std::endl;
     return;
   }
+  wood->Leave_step();
   long i = getIndex();
   for (long d : dependances)
     if (d >= 0 && d < wood->nb_bdd_vars) wood->readers[d].erase(i);
@@ -219,6 +228,7 @@ void Bddexpression::setBddExp(const bdd& exp, long early, long late) {
     std::cerr << "   no wood defined! Aborted  ..." << std::endl;
     return;
   }
+  wood->Leave_step();
   long i = getIndex();
   for (long d : dependances)
     if (d >= 0 && d < wood->nb_bdd_vars) wood->readers[d].erase(i);
@@ -255,10 +265,14 @@ void Bddexpression::append_not_exp() {
     std::cerr << "   no wood defined! Aborted  ..." << std::endl;
     return;
   }
+  wood->Leave_step();
   if (right.initialised()) right = wood->manager->Bdd_not(right);
 }
 
-void Bddexpression::add_specific_var_dependance(long index) { dependances.insert(index); }
+void Bddexpression::add_specific_var_dependance(long index) {
+  if (wood != nullptr) wood->Leave_step();
+  dependances.insert(index);
+}
 
 void Bddexpression::setBddexpressionwood(Bddexpressionwood* w) {
   wood = w;
@@ -401,6 +415,7 @@ Bddexpressionwood& Bddexpressionwood::operator=(const Bddexpressionwood& other) 
 // The copy keeps the common-manager setting of its source, so a copy of a
 // wood on a shared manager shares it too.
 void Bddexpressionwood::Copy_from(const Bddexpressionwood& other) {
+  Leave_step();
   nb_level = other.nb_level;
   common_bdd_manager = other.common_bdd_manager;
   exp_ids = other.exp_ids;
@@ -445,6 +460,7 @@ void Bddexpressionwood::update_bdd_vars() {
   if (manager == nullptr) return;
   long n = manager->Nb_bdd_vars;
   if (nb_bdd_vars >= n) return;
+  Leave_step();
   if (wood_size < n) {
     long size = wood_size;
     while (size < n) {
@@ -473,6 +489,7 @@ void Bddexpressionwood::update_bdd_vars() {
 void Bddexpressionwood::update_bdd_vars(long index) {
   if (manager == nullptr) return;
   long old = nb_bdd_vars;
+  Leave_step();
   update_bdd_vars();
   if (index < 0 || index >= old + 1 || nb_bdd_vars <= old) return;
   auto shift = [index](long x) { return x >= index ? x + 1 : x; };
@@ -709,6 +726,7 @@ void Bddexpressionwood::Learn(Bddexpression* e, const std::set<long>* extra) {
   if (i >= nb_bdd_vars) return;  // the record's manager isn't this wood's
   Bddexpression* old = exp_table[i];
   if (old == e) return;
+  Leave_step();
   if (old != nullptr) {
     for (long d : old->dependances)
       if (d >= 0 && d < nb_bdd_vars) readers[d].erase(i);
@@ -741,6 +759,7 @@ void Bddexpressionwood::forget_expression_by_bddid(long index) {
   }
   Bddexpression* e = exp_table[index];
   if (e == nullptr || !readers[index].empty()) return;
+  Leave_step();
   for (long d : e->dependances)
     if (d >= 0 && d < nb_bdd_vars) readers[d].erase(index);
   delete e;
@@ -757,6 +776,7 @@ void Bddexpressionwood::absolute_forget_expression_by_bddid(long index) {
   }
   Bddexpression* e = exp_table[index];
   if (e == nullptr || !readers[index].empty()) return;
+  Leave_step();
   delete e;
   exp_table[index] = nullptr;
   exp_ids.erase(index);
@@ -767,6 +787,7 @@ void Bddexpressionwood::clean(const std::list<long>& keep) {
 }
 
 void Bddexpressionwood::clean(const std::set<long>& keep) {
+  Leave_step();
   std::vector<long> ids(exp_ids.begin(), exp_ids.end());
   for (long i : ids) {
     Bddexpression* e = i >= 0 && i < nb_bdd_vars ? exp_table[i] : nullptr;

@@ -73,7 +73,7 @@ class Bddexpression {
   const bdd& my_bdd_var() const { return variable; }
   const bdd& my_bdd_exp() const { return right; }
   int getAbstraction() const { return abstraction; }
-  void setAbstraction(int a) { abstraction = a; }
+  void setAbstraction(int a);
   const std::string& getExpDef() const { return exp_def; }
   // A non-empty name makes the equation abstract; "" leaves abstraction alone.
   void setExpDef(const std::string& def);
@@ -261,6 +261,8 @@ class Bddexpressionwood {
   void suppress_wires(const std::list<int>& types);
   void suppress_wires();
   void suppress_local(long index);
+  // The same, with the constants that it brings about propagated under protection `types`.
+  void suppress_local(long index, const std::list<int>& types);
   void suppress_locals(const std::list<int>& types);
   void suppress_locals();
   // Substitutes the equation into its readers and leaves it with none.
@@ -305,6 +307,32 @@ class Bddexpressionwood {
   void Compose_into(long r, long index);
   // Drops from each readers set the entries whose equation doesn't read it.
   void Prune_readers();
+
+  // Incremental upkeep of the reductions. After a full rebuild of the
+  // dependences the wood is in step: every concrete equation reads exactly
+  // the support of its right member and `readers` is the exact inverse. From
+  // there the reductions log what they change (readers entries, equations),
+  // so that the next rebuild only undoes the log and redoes the changed
+  // equations, and the constant propagation starts from the indexes that may
+  // have become constants with readers. Any other change leaves step.
+  void Leave_step();
+  void Reader_insert(long d, long r);
+  void Reader_erase(long d, long r);
+  void Reader_clear(long d);
+  // Before the right member, the dependences or the presence of `i` change.
+  void Touch(long i);
+  // A constant equation with readers, as the constant propagation takes them.
+  bool Constant_with_readers(long i) const;
+  void Full_rebuild();
+  void Step_rebuild();
+  struct Reader_change {
+    long d, r;
+    bool inserted;
+  };
+  bool in_step = false;
+  std::vector<Reader_change> reader_log;
+  std::map<long, std::set<long>> touched;  // index -> dependences when in step
+  std::set<long> candidates;  // may satisfy Constant_with_readers
   // Both forms of Include_wood_instance: `rename` gives the parent's name of a
   // sub-module name (a true second argument makes a missing one fatal).
   void Include(Bddexpressionwood& sub, const std::function<std::string(const std::string&, bool)>& rename,

@@ -359,6 +359,20 @@ Bddexpression* EquationTable::getBddExpression(long id) {
 
 // ---- Dating and causality ----------------------------------------------------------
 
+// An equation of a cycle report: its exact text up to kReportedEquationSize
+// characters; a longer one is cut after its last whole term within that size,
+// then "…" and the count of characters left out.
+static const size_t kReportedEquationSize = 2000;
+
+static std::string boundedText(const std::string& text) {
+  if (text.size() <= kReportedEquationSize) return text;
+  size_t cut = text.rfind(" + ", kReportedEquationSize);
+  size_t equal = text.find(" = ");
+  if (cut == std::string::npos || equal == std::string::npos || cut <= equal) cut = kReportedEquationSize;
+  while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;  // whole UTF-8 characters
+  return text.substr(0, cut) + " … (" + std::to_string(text.size() - cut) + " characters left out)";
+}
+
 // Depth first from the last id of path; a dependence already on the path closes a
 // cycle, and the equations of the path make the text. Ids whose whole reach was seen
 // without a cycle are not walked again.
@@ -376,7 +390,7 @@ static std::string dependenceText(Bddexpressionwood* w, std::list<long>& path,
         if (e == nullptr)
           cycle += w->my_bdd_manager()->Name_var_by_index(id) + " = -\n\n";
         else
-          cycle += e->debug_in_string() + "\n\n";
+          cycle += boundedText(e->debug_in_string()) + "\n\n";
       }
       return cycle;
     }

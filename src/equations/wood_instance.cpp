@@ -41,6 +41,7 @@ void Bddexpressionwood::Include_wood_instance(Bddexpressionwood& sub, const std:
 
 void Bddexpressionwood::Include(Bddexpressionwood& sub, const Renaming& rename, bool verbose) {
   bddpp_manager* there = sub.manager;
+  Leave_step();
   update_bdd_vars();
   if (there == nullptr || manager == nullptr) return;
   sub.update_bdd_vars();

@@ -12,7 +12,47 @@ bool In(const std::list<int>& types, int t) { return std::find(types.begin(), ty
 
 }  // namespace
 
-void Bddexpressionwood::internal_global_build_dependances() {
+void Bddexpressionwood::Leave_step() {
+  if (!in_step) return;
+  in_step = false;
+  reader_log.clear();
+  touched.clear();
+  candidates.clear();
+}
+
+void Bddexpressionwood::Reader_insert(long d, long r) {
+  if (!readers[d].insert(r).second || !in_step) return;
+  reader_log.push_back({d, r, true});
+  candidates.insert(d);
+}
+
+void Bddexpressionwood::Reader_erase(long d, long r) {
+  if (readers[d].erase(r) == 0 || !in_step) return;
+  reader_log.push_back({d, r, false});
+}
+
+void Bddexpressionwood::Reader_clear(long d) {
+  if (in_step)
+    for (long r : readers[d]) reader_log.push_back({d, r, false});
+  readers[d].clear();
+}
+
+void Bddexpressionwood::Touch(long i) {
+  if (!in_step) return;
+  candidates.insert(i);
+  if (touched.count(i) != 0) return;
+  Bddexpression* e = i >= 0 && i < nb_bdd_vars ? exp_table[i] : nullptr;
+  touched.emplace(i, e != nullptr ? e->dependances : std::set<long>());
+}
+
+bool Bddexpressionwood::Constant_with_readers(long i) const {
+  if (i < 0 || i >= nb_bdd_vars) return false;
+  Bddexpression* e = exp_table[i];
+  if (e == nullptr || readers[i].empty() || e->abstraction != 0 || !e->right.initialised()) return false;
+  return manager->Bdd_is_tautology(e->right, 1) || manager->Bdd_is_tautology(e->right, 0);
+}
+
+void Bddexpressionwood::Full_rebuild() {
   for (long i = 0; i < nb_bdd_vars; ++i) readers[i].clear();
   for (long i = 0; i < nb_bdd_vars; ++i) {
     Bddexpression* e = exp_table[i];
@@ -21,41 +61,93 @@ void Bddexpressionwood::internal_global_build_dependances() {
     for (long d : e->dependances)
       if (d >= 0 && d < nb_bdd_vars) readers[d].insert(i);
   }
+  Leave_step();
+  for (long i : exp_ids)
+    if (Constant_with_readers(i)) candidates.insert(i);
+  in_step = true;
+}
+
+// The readers as the last full rebuild left them (undo of the log), then the
+// dependences of the changed equations rebuilt and their entries moved.
+void Bddexpressionwood::Step_rebuild() {
+  for (auto it = reader_log.rbegin(); it != reader_log.rend(); ++it) {
+    if (it->inserted)
+      readers[it->d].erase(it->r);
+    else
+      readers[it->d].insert(it->r);
+    candidates.insert(it->d);
+  }
+  reader_log.clear();
+  static const std::set<long> none;
+  for (auto& [i, before] : touched) {
+    candidates.insert(i);
+    Bddexpression* e = exp_table[i];
+    if (e != nullptr && e->abstraction == 0) e->internal_build_dependances();
+    const std::set<long>& now = e != nullptr ? e->dependances : none;
+    for (long d : before)
+      if (d >= 0 && d < nb_bdd_vars && now.count(d) == 0) {
+        readers[d].erase(i);
+        candidates.insert(d);
+      }
+    for (long d : now)
+      if (d >= 0 && d < nb_bdd_vars && before.count(d) == 0) {
+        readers[d].insert(i);
+        candidates.insert(d);
+      }
+  }
+  touched.clear();
+  for (auto it = candidates.begin(); it != candidates.end();)
+    it = Constant_with_readers(*it) ? std::next(it) : candidates.erase(it);
+}
+
+void Bddexpressionwood::internal_global_build_dependances() {
+  if (in_step)
+    Step_rebuild();
+  else
+    Full_rebuild();
 }
 
 void Bddexpressionwood::constants_propagation() { constants_propagation(std::list<int>()); }
 
+// Passes in ascending index order until one changes nothing. Only a constant
+// equation with readers changes anything; a reader made constant is taken up
+// later in the same pass when its index is above, in the next pass otherwise.
 void Bddexpressionwood::constants_propagation(const std::list<int>& types) {
   std::vector<long> removed;
-  bool changed = true;
-  while (changed) {
-    changed = false;
-    std::vector<long> ids(exp_ids.begin(), exp_ids.end());
-    for (long i : ids) {
-      Bddexpression* e = i >= 0 && i < nb_bdd_vars ? exp_table[i] : nullptr;
-      if (e == nullptr || readers[i].empty() || e->abstraction != 0 || !e->right.initialised()) continue;
-      bdd c;
-      if (manager->Bdd_is_tautology(e->right, 1))
-        c = manager->Bdd_var_by_index(i);
-      else if (manager->Bdd_is_tautology(e->right, 0))
-        c = manager->Bdd_not(manager->Bdd_var_by_index(i));
-      else
-        continue;
+  std::set<long> pass, next;
+  if (in_step) {
+    for (long i : candidates)
+      if (Constant_with_readers(i)) pass.insert(i);
+  } else {
+    for (long i : exp_ids)
+      if (Constant_with_readers(i)) pass.insert(i);
+  }
+  while (!pass.empty()) {
+    while (!pass.empty()) {
+      long i = *pass.begin();
+      pass.erase(pass.begin());
+      if (!Constant_with_readers(i)) continue;
+      Bddexpression* e = exp_table[i];
+      bdd c = manager->Bdd_is_tautology(e->right, 1) ? manager->Bdd_var_by_index(i)
+                                                      : manager->Bdd_not(manager->Bdd_var_by_index(i));
       std::set<long> rs = readers[i];
       for (long r : rs) {
         Bddexpression* re = r >= 0 && r < nb_bdd_vars ? exp_table[r] : nullptr;
         if (re == nullptr || re->abstraction != 0 || !re->right.initialised()) continue;
+        Touch(r);
         re->right = manager->Bdd_reduce(re->right, c);
         re->internal_build_dependances();
+        if (Constant_with_readers(r)) (r > i ? pass : next).insert(r);
       }
-      changed = true;
       if (!In(types, e->usertype)) {
+        Touch(i);
         delete e;
         exp_table[i] = nullptr;
         removed.push_back(i);
       }
-      readers[i].clear();
+      Reader_clear(i);
     }
+    pass.swap(next);
   }
   for (long i : removed) exp_ids.erase(i);
   internal_global_build_dependances();
@@ -65,15 +157,18 @@ void Bddexpressionwood::constants_propagation(const std::list<int>& types) {
 void Bddexpressionwood::Compose_into(long r, long index) {
   Bddexpression* re = exp_table[r];
   Bddexpression* e = exp_table[index];
+  Touch(r);
   if (re->abstraction == 0 && re->right.initialised())
     re->right = manager->Bdd_compose(re->right, manager->Bdd_var_by_index(index), e->right);
   re->dependances.erase(index);
   re->dependances.insert(e->dependances.begin(), e->dependances.end());
   for (long d : e->dependances)
-    if (d >= 0 && d < nb_bdd_vars) readers[d].insert(r);
+    if (d >= 0 && d < nb_bdd_vars) Reader_insert(d, r);
 }
 
+// In step the readers are the exact inverse already.
 void Bddexpressionwood::Prune_readers() {
+  if (in_step && reader_log.empty() && touched.empty()) return;
   for (long i = 0; i < nb_bdd_vars; ++i) {
     if (readers[i].empty()) continue;
     for (auto it = readers[i].begin(); it != readers[i].end();) {
@@ -90,6 +185,7 @@ void Bddexpressionwood::Prune_readers() {
 void Bddexpressionwood::suppress_wires() { suppress_wires(std::list<int>()); }
 
 void Bddexpressionwood::suppress_wires(const std::list<int>& types) {
+  Leave_step();
   update_bdd_vars();
   for (long i = 0; i < nb_bdd_vars; ++i) {
     Bddexpression* e = exp_table[i];
@@ -153,26 +249,30 @@ bool Substitutable(Bddexpressionwood& wood, long index, Bddexpression* e, const 
 
 }  // namespace
 
-void Bddexpressionwood::suppress_local(long index) {
+void Bddexpressionwood::suppress_local(long index) { suppress_local(index, std::list<int>()); }
+
+void Bddexpressionwood::suppress_local(long index, const std::list<int>& types) {
   if (index < 0 || index >= nb_bdd_vars) return;
   Bddexpression* e = exp_table[index];
   if (!Substitutable(*this, index, e, readers[index])) return;
   for (long d : e->dependances)
-    if (d >= 0 && d < nb_bdd_vars) readers[d].erase(index);
+    if (d >= 0 && d < nb_bdd_vars) Reader_erase(d, index);
   std::set<long> rs = readers[index];
   for (long r : rs)
     if (r >= 0 && r < nb_bdd_vars && exp_table[r] != nullptr) Compose_into(r, index);
+  Touch(index);
   delete e;
   exp_table[index] = nullptr;
-  readers[index].clear();
+  Reader_clear(index);
   exp_ids.erase(index);
-  constants_propagation();
+  constants_propagation(types);
   Prune_readers();
 }
 
 void Bddexpressionwood::suppress_locals() { suppress_locals(std::list<int>()); }
 
 void Bddexpressionwood::suppress_locals(const std::list<int>& types) {
+  Leave_step();
   for (long index = 0; index < nb_bdd_vars; ++index) {
     Bddexpression* e = exp_table[index];
     if (e == nullptr || In(types, e->usertype) || readers[index].empty() || e->dependances.empty()) continue;
@@ -195,6 +295,7 @@ void Bddexpressionwood::useless_local(long index) {
   if (index < 0 || index >= nb_bdd_vars) return;
   Bddexpression* e = exp_table[index];
   if (!Substitutable(*this, index, e, readers[index]) || e->abstraction != 0) return;
+  Leave_step();
   for (long d : e->dependances)
     if (d >= 0 && d < nb_bdd_vars) readers[d].erase(index);
   std::set<long> rs = readers[index];
@@ -232,6 +333,7 @@ void Rewrite_all(Bddexpressionwood& wood, std::vector<std::set<long>>& readers, 
 void Bddexpressionwood::reduce_expressions(const bdd& assertion) { reduce_expressions(assertion, std::list<int>()); }
 
 void Bddexpressionwood::reduce_expressions(const bdd& assertion, const std::list<int>& types) {
+  Leave_step();
   update_bdd_vars();
   Rewrite_all(*this, readers, [&](Bddexpression* e) {
     e->right = manager->Bdd_reduce(e->right, assertion);
@@ -241,6 +343,7 @@ void Bddexpressionwood::reduce_expressions(const bdd& assertion, const std::list
 }
 
 void Bddexpressionwood::reduce_expressions_when_var_forgotten_by_exist_op(long index) {
+  Leave_step();
   update_bdd_vars();
   bdd v = manager->Bdd_var_by_index(index);
   Rewrite_all(*this, readers, [&](Bddexpression* e) {
@@ -251,6 +354,7 @@ void Bddexpressionwood::reduce_expressions_when_var_forgotten_by_exist_op(long i
 }
 
 void Bddexpressionwood::reduce_expressions_when_var_forgotten_by_forall_op(long index) {
+  Leave_step();
   update_bdd_vars();
   bdd v = manager->Bdd_var_by_index(index);
   Rewrite_all(*this, readers, [&](Bddexpression* e) {

@@ -162,6 +162,11 @@ void class_qnc_parser::addConstant(const std::string& type, const std::string& n
     ConstantDecl* decl = new ConstantDecl(type, name, values);
     decl->setIndex(-1);
     decl->setEvalIndex(-1);
+    // A literal value names its declaration, as in a source file: the writer prints a
+    // read-back constant by that declaration's index.
+    if (values)
+      for (auto& [language, value] : *values)
+        if (value && value->isDataValue()) static_cast<DataValue*>(value)->setConstDecl(decl);
     table->addConstant(decl);
   }
   bindings.corres_constant.push_back(table->getConstantIndex(name));

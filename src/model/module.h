@@ -270,6 +270,11 @@ class Module {
   bdd state_corres(bdd next_state_cube);
   void save_quarns_code();
   void SIMUL_QNC_put(std::ostream& out);
+  void SIMUL_QNC_put_predef_func(std::ostream& out);
+  void SIMUL_QNC_put_method(std::ostream& out);
+  void SIMUL_QNC_put_binary_op(std::ostream& out);
+  void SIMUL_QNC_put_unary_op(std::ostream& out);
+  void SIMUL_QNC_put_const(std::ostream& out);
 
  private:
   std::string name;

@@ -14,4 +14,7 @@ void Module::clean() {
   wood->suppress_wires(keep);
   suppress_useless_registers();
   clean_locals();
+  // A pause in a branch that is dead only once the locals are substituted leaves a
+  // register whose next value is now its constant initial value.
+  suppress_useless_registers();
 }

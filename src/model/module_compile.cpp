@@ -79,6 +79,14 @@ long Module::getPertLevel() {
   return wood ? wood->Nb_level() : 0;
 }
 
+namespace {
+
+const std::list<int> kRegisterProtection = {Compilation::SINPUT,  Compilation::VINPUT, Compilation::SOUTPUT,
+                                            Compilation::VOUTPUT, Compilation::SREG,   Compilation::VREG,
+                                            Compilation::SCLOCK,  Compilation::VCLOCK};
+
+}  // namespace
+
 void Module::clean_locals() {
   Bddexpressionwood* wood = getBddWood();
   if (!localList || !wood) return;
@@ -88,8 +96,10 @@ void Module::clean_locals() {
       kept->push_back(s);
       continue;
     }
-    wood->suppress_local(s->getOverBddId(this, wood));
-    wood->suppress_local(s->getUnderBddId(this, wood));
+    // A register's next value that turns constant here stays, so that the register
+    // keeps its equation; suppress_useless_registers then decides on it.
+    wood->suppress_local(s->getOverBddId(this, wood), kRegisterProtection);
+    wood->suppress_local(s->getUnderBddId(this, wood), kRegisterProtection);
   }
   localList = kept;
 }

@@ -39,8 +39,7 @@ void closeInput(Module* m, Bddexpressionwood* wood, Signal* s) {
 void closeEmitted(Module* m, Bddexpressionwood* wood, Signal* s, bool output) {
   if (!s->isLocal() && !s->isWire() && !s->isOutput()) return;
   std::list<long> ids = s->getAllBddId(m, wood);
-  bool visible = true;  // the first pair is occurrence 0, the signal as the world sees it
-  for (auto it = ids.begin(); it != ids.end(); visible = false) {
+  for (auto it = ids.begin(); it != ids.end();) {
     long oi = *it++;
     if (it == ids.end()) break;
     long ui = *it++;
@@ -52,10 +51,10 @@ void closeEmitted(Module* m, Bddexpressionwood* wood, Signal* s, bool output) {
     if (!U) {
       new Bddexpression(s->getInternalName(), wood, u, wood->Bdd_not(o), 0, 0, s->computeUnderType());
     } else if (O) {
-      // Nothing emits it and nothing excludes it: false rather than undefined. Only for
-      // occurrence 0: an under of one on an inner occurrence would put the whole signal
-      // at error, since occurrence 0 ors the occurrences.
-      if (output && visible && isZero(wood, O->my_bdd_exp()) && isZero(wood, U->my_bdd_exp()))
+      // Nothing emits it and nothing excludes it in this section: false rather than
+      // undefined. Occurrence 0 ors the sections, so an output emitted in one section and
+      // left alone in another reads back as error inside its module.
+      if (output && isZero(wood, O->my_bdd_exp()) && isZero(wood, U->my_bdd_exp()))
         U->setBddExp(wood->Bdd_one());
     } else if (output || !s->isRegister()) {
       std::string text = "***Warning: Finalize: no over expression and under expression for:" +

@@ -269,23 +269,9 @@ Interface* Module::includeCompiledModule(Module* called, EquationTable* table, R
     }
 
   // The instance's equation of occurrence 0 of a connected output replaces the caller's
-  // one; or'ing the caller's right member back keeps what the caller emits itself and
-  // what earlier instances emit, as a pause chains a new occurrence.
-  std::list<std::pair<long, bdd>> kept;
-  if (std::list<Signal*>* outputs = called->getOutputSignalList())
-    for (Signal* x : *outputs) {
-      Signal* c = run->getRenamingSignal(x->getOriginalName());
-      if (!c) continue;
-      SignalRef* ref0 = signalManager->getSignalRefByName(c->getInternalName());
-      if (!ref0 || !ref0->isDefinedWood(wood)) continue;
-      for (long id : {ref0->getOverBddId(wood), ref0->getUnderBddId(wood)})
-        if (Bddexpression* e = id >= 0 ? wood->exp_by_index(id) : nullptr)
-          kept.emplace_back(id, e->my_bdd_exp());
-    }
-
+  // one; outside a branch that unify joins, the caller's earlier sections of that signal
+  // no longer reach it.
   wood->Include_wood_instance(*calledWood, &names);
-  for (auto& [id, right] : kept)
-    if (Bddexpression* e = wood->exp_by_index(id)) e->append_or_exp(right);
   reincarnate = reincarnate || called->getReincarnate();
 
   if (std::map<std::string, DataBinding*>* bindings = called->getDataTable())

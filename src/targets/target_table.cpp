@@ -2,7 +2,9 @@
 
 #include "driver/compilation.h"
 #include "model/module.h"
+#include "targets/debug_trace.h"
 #include "targets/formats.h"
+#include "targets/quarns_server.h"
 
 namespace {
 
@@ -18,40 +20,52 @@ std::vector<std::string> cFiles(const std::string& m) {
 std::vector<std::string> csharpFiles(const std::string& m) { return {target_path(m, ".cs", true)}; }
 std::vector<std::string> vhdlFiles(const std::string& m) { return {target_path(m, ".vhd", false)}; }
 std::vector<std::string> qncFiles(const std::string& m) { return {target_path(m, ".qnc", true)}; }
-std::vector<std::string> debugFiles(const std::string& m) {
-  return {Module::OutputDir + "/" + (Module::OutputFile.empty() ? m + ".dbg" : Module::OutputFile)};
+std::vector<std::string> debugFiles(const std::string& m) { return {debug_trace_path(m)}; }
+std::vector<std::string> quarnsFiles(const std::string& m) {
+  return {Module::SimulationQncDir + "/quarns_" + m + ".cc"};
 }
-std::vector<std::string> quarnsFiles(const std::string& m) { return {"quarns_" + m + ".cc"}; }
-std::vector<std::string> noFiles(const std::string&) { return {}; }
+std::vector<std::string> blifSimulationFiles(const std::string& m) {
+  return {Module::SimulationDir + m + ".blif"};
+}
 
 }  // namespace
 
 const std::vector<Target>& targetTable() {
   static const std::vector<Target> table = {
-      {"-nusmv", &Compilation::SMVFlag, "the NuSMV model", true, none, smvFiles, nullptr},
+      {"-nusmv", &Compilation::SMVFlag, "the NuSMV model", true, none, smvFiles,
+       [](Module& m) { m.printSMV(); }},
       {"-blif", &Compilation::BLIFFlag, "the BLIF netlist", true,
-       [](const std::string& m) { return generate(m + ".blif"); }, blifFiles, nullptr},
+       [](const std::string& m) { return generate(m + ".blif"); }, blifFiles,
+       [](Module& m) { m.printBLIF(); }},
       {"-c", &Compilation::CFlag, "the C code", true,
        [](const std::string& m) { return generate(m + ".c and " + m + ".h"); }, cFiles,
        [](Module& m) { m.printC(); }},
       {"-csharp", &Compilation::CSHARPFlag, "the C# component", true,
-       [](const std::string& m) { return generate(m + ".cs"); }, csharpFiles, nullptr},
+       [](const std::string& m) { return generate(m + ".cs"); }, csharpFiles,
+       [](Module& m) { m.printCSHARP(); }},
       {"-vhdl_altera", &Compilation::VHDLALTERAFlag, "the VHDL entity", true,
-       [](const std::string& m) { return generate(m + ".vhd"); }, vhdlFiles, nullptr},
+       [](const std::string& m) { return generate(m + ".vhd"); }, vhdlFiles,
+       [](Module& m) { m.printVHDL(); }},
       {"-qnc", &Compilation::SaveFlag, "the compiled module", false,
        [](const std::string& m) {
          return "\n**** Save " + target_file_name(m, Module::OutputFile, ".qnc") + "\n\n";
        },
        qncFiles, [](Module& m) { m.save(); }},
-      {"-debug", &Compilation::DebugFlag, "the debug trace", false, none, debugFiles, nullptr},
+      {"-debug", &Compilation::DebugFlag, "the debug trace", false, none, debugFiles,
+       [](Module& m) { m.printDebug(); }},
       {"-pure_simul", &Compilation::PureSimulFlag, "the pure simulation", false,
-       [](const std::string& m) { return "\n*** Simulate " + m + "\n"; }, noFiles, nullptr},
+       [](const std::string& m) { return "\n*** Simulate " + m + "\n"; }, blifSimulationFiles,
+       [](Module& m) { m.simulate(); }},
       {"-valued_simul", &Compilation::ValuedSimulFlag, "the valued simulation", false,
        [](const std::string&) { return std::string("\n*** Simulate  with valued simulator\n"); },
-       quarnsFiles, nullptr},
+       quarnsFiles,
+       [](Module& m) {
+         m.save_quarns_code();
+         runValuedSimulator(m.getName());
+       }},
       {"-quarns", &Compilation::QuarnsFlag, "the simulation server source", false,
        [](const std::string& m) { return "\n*** Save File for quarns:" + m + "\n"; }, quarnsFiles,
-       nullptr},
+       [](Module& m) { m.save_quarns_code(); }},
   };
   return table;
 }

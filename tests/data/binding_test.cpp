@@ -87,13 +87,13 @@ TEST_F(BindingTest, SignalValueTextsPerLanguage) {
   struct Case {
     const char* name;
     char kind;
-    const char *c, *csharp, *lustre, *vhdl;
+    const char *c, *csharp, *lustre, *esterel, *vhdl;
   };
   const Case cases[] = {
-      {"x", 'i', "_s_x_val", "_s_x_val", "_s_x_val", "_s_x_locval"},
-      {"o", 'o', "*o_val", " _s_o_val", "_s_o_val", "_s_o_locval"},
-      {"p", 'p', "p_val", "_s_p_val", "p_val", "p_locval"},
-      {"l", 'l', "_s_l_val", "_s_l_val", "_s_l_val", "_s_l_locval"},
+      {"x", 'i', "_s_x_val", "_s_x_val", "_s_x_val", "?_s_x", "_s_x_locval"},
+      {"o", 'o', "*o_val", " _s_o_val", "_s_o_val", "?_s_o", "_s_o_locval"},
+      {"p", 'p', "p_val", "_s_p_val", "p_val", "?p", "p_locval"},
+      {"l", 'l', "_s_l_val", "_s_l_val", "_s_l_val", "?_s_l", "_s_l_locval"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -101,7 +101,7 @@ TEST_F(BindingTest, SignalValueTextsPerLanguage) {
     EXPECT_EQ(text([&](std::ostream& o) { v.C_put(o, m); }), c.c);
     EXPECT_EQ(text([&](std::ostream& o) { v.CSharp_put(o, m); }), c.csharp);
     EXPECT_EQ(text([&](std::ostream& o) { v.LUSTRE_put(o, m); }), c.lustre);
-    EXPECT_EQ(text([&](std::ostream& o) { v.ESTEREL_put(o, m); }), c.lustre);
+    EXPECT_EQ(text([&](std::ostream& o) { v.ESTEREL_put(o, m); }), c.esterel);
     EXPECT_EQ(text([&](std::ostream& o) { v.VHDL_put(o, m); }), c.vhdl);
     EXPECT_EQ(text([&](std::ostream& o) { v.DEBUG_put(o, m); }),
               std::string("SIGNAL VALUE of \"") + c.name + "\"");

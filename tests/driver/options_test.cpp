@@ -5,6 +5,7 @@
 
 #include "driver/driver.h"
 #include "targets/formats.h"
+#include "targets/quarns_server.h"
 
 namespace {
 

@@ -17,6 +17,7 @@
 #include "equations/equationtable.h"
 #include "front/parse_supl.h"
 #include "model/module.h"
+#include "common/quarn_test.h"
 #include "model/statement.h"
 #include "signals/signal_manager.h"
 
@@ -24,11 +25,7 @@ namespace automaton_test {
 
 // A fresh run state, the text through the parser, the named module.
 inline Module* parse(const std::string& source, const std::string& name = "m") {
-  setenv("QUARN_BATCH", "1", 1);
-  Compilation::ModTable = new ModuleTable();
-  // Statement names carry these counters: each test starts from 0.
-  Module::AutomatonNumber = 0;
-  Module::MealyMachineNumber = 0;
+  quarn_test::fresh_run();
   std::istringstream in(source);
   class_qn_parser::parse_stream(in);
   return Compilation::ModTable->get(name);

@@ -8,29 +8,14 @@
 
 #include "driver/compilation.h"
 #include "model/module.h"
+#include "common/quarn_test.h"
 
 namespace compile_test {
 
 // A fresh run state, the text through the source parser, the named module checked
 // and compiled.
 inline Module* compileText(const std::string& text, const std::string& name = "m") {
-  setenv("QUARN_BATCH", "1", 1);
-  Compilation::ModTable = new ModuleTable();
-  Compilation::GDataTypeTable = nullptr;
-  Compilation::GDataMethodTable = nullptr;
-  Compilation::GDataConstantTable = nullptr;
-  std::string file = "/tmp/compile_test_" + std::to_string(getpid()) + ".qn";
-  {
-    std::ofstream out(file);
-    out << text << "\n";
-  }
-  Compilation::qn_parse(file);
-  std::remove(file.c_str());
-  Module* m = Compilation::ModTable->get(name);
-  if (!m) return nullptr;
-  m->complementary_check_syntax();
-  m->compile();
-  return m;
+  return quarn_test::compiled_from_text(text, name);
 }
 
 }  // namespace compile_test

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "c_test_util.h"
+#include "equations/equationtable.h"
 
 using namespace c_test;
 
@@ -59,6 +60,27 @@ TEST(Finalize, BootRegisterDrivesSetAndResetNeverKills) {
   ASSERT_NE(next, nullptr);
   EXPECT_EQ(next->getName(), "_s_bootplus");
   EXPECT_TRUE(next->my_bdd_exp() == w->Bdd_zero());
+}
+
+// Nothing emits o in any of its sections: each occurrence, and so o itself, is false.
+// q reads the under side of o (as "abs o" does) and p its over side.
+TEST(Finalize, UnemittedOutputUnderIsTheConstantOne) {
+  Module m("m");
+  Signal* o = output(m, "o");
+  Signal* p = output(m, "p");
+  Signal* q = output(m, "q");
+  m.createCompileEnv();
+  m.getCompilation()->pre(&m);  // a pause: occurrences 2
+  Bddexpressionwood* w = m.getBddWood();
+  drive(m, p, o->getInitialOverBdd(&m, w));
+  drive(m, q, o->getInitialUnderBdd(&m, w));
+  m.finalize(0);
+  Bddexpression* pe = equation(m, "p");
+  ASSERT_NE(pe, nullptr);
+  EXPECT_TRUE(pe->my_bdd_exp() == w->Bdd_zero());
+  Bddexpression* qe = equation(m, "q");
+  ASSERT_NE(qe, nullptr);
+  EXPECT_TRUE(qe->my_bdd_exp() == w->Bdd_one());
 }
 
 TEST(Finalize, OutputWithoutUnderEquationGetsNotOver) {
