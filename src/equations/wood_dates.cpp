@@ -164,7 +164,7 @@ bool Propagate(const Graph& g, std::vector<long>& dates, const std::vector<char>
 
 }  // namespace
 
-// Step 4 of the dating for the given indexes: what they read dates their
+// Dates from the given indexes: what they read dates their
 // readers (early), and they date what they read (late).
 void Bddexpressionwood::Date_from(const std::vector<long>& seeds, const char* too_big) {
   const long n = nb_bdd_vars;

@@ -1,7 +1,6 @@
 // The message boxes of the Forms layer, installed for the core's reports.
 #include "gui/formspp.h"
 #include "gui/report.h"
-#include "targets/report_display.h"
 #include "util/report.h"
 
 void install_message_boxes() {
@@ -9,10 +8,6 @@ void install_message_boxes() {
   boxes.message = [](const std::string& text) { fl_show_Smessages(text); };
   boxes.alert = [](const std::string& a, const std::string& b, const std::string& c) { fl_show_Salert(a, b, c); };
   boxes.bigMessage = [](const std::string& text, int width) { fl_show_Sbigmessages(text, width); };
+  boxes.display = show_report;
   install_report_boxes(boxes);
-  // The debug trace opens the report display only when it can be shown.
-  report_display_hook = [](const std::list<std::string>& lines, const std::string& title,
-                           const std::string& viewer) {
-    if (quarn_display_reachable()) show_report(lines, title, viewer);
-  };
 }

@@ -25,7 +25,7 @@ const std::list<int> kRegisterProtection = {Compilation::SINPUT,  Compilation::V
 
 bool isZero(Bddexpressionwood* wood, const bdd& f) { return f.initialised() && f == wood->Bdd_zero(); }
 
-// Steps 4 to 6: an input-like signal gets under = not over, and its over variable the
+// An input-like signal gets under = not over, and its over variable the
 // source name.
 void closeInput(Module* m, Bddexpressionwood* wood, Signal* s) {
   bdd over = s->getOverBdd(m, wood);
@@ -35,7 +35,7 @@ void closeInput(Module* m, Bddexpressionwood* wood, Signal* s) {
   wood->my_bdd_manager()->Rename_var(s->getOriginalName(), wood->Name_var_by_bdd(over));
 }
 
-// Steps 7 and 8: every occurrence of an output or a local gets both equations.
+// Every occurrence of an output or a local gets both equations.
 void closeEmitted(Module* m, Bddexpressionwood* wood, Signal* s, bool output) {
   if (!s->isLocal() && !s->isWire() && !s->isOutput()) return;
   std::list<long> ids = s->getAllBddId(m, wood);

@@ -198,7 +198,7 @@ void Module::CSharp_put(std::ostream& out) {
     out << ";" << "\n";
   }
   for (Signal* s : locals) {
-    if (!s->isValued(this)) continue;
+    if (!s->isValued(this) || !has_id(s->getOverBddId(this, wood))) continue;
     const std::string t = s->getValueType(this);
     out << "            " << t << "  " << s->getUnderName(this) << "_val" << " = zero_" << t << ";" << "\n";
     out << "            " << t << "  " << s->getOverName(this) << "_val" << " = zero_" << t << ";" << "\n";

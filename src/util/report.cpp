@@ -17,3 +17,8 @@ void report_alert(const std::string& a, const std::string& b, const std::string&
 void report_big_message(const std::string& text, int width) {
   if (boxes.bigMessage) boxes.bigMessage(text, width);
 }
+
+void report_display(const std::list<std::string>& lines, const std::string& title,
+                    const std::string& viewer) {
+  if (boxes.display) boxes.display(lines, title, viewer);
+}

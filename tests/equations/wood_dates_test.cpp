@@ -351,7 +351,6 @@ TEST(WoodPaths, LadderOfThousandsOfRungsIsInstant) {
     pu = u;
     pv = v;
   }
-  auto start = std::chrono::steady_clock::now();
   long top = m->Index_var_by_bdd(pu);
   EXPECT_EQ(wood.compute_dates(), rungs + 1);
   EXPECT_EQ(wood.exp_by_index(top)->getEarlyDate(), rungs);
@@ -364,8 +363,6 @@ TEST(WoodPaths, LadderOfThousandsOfRungsIsInstant) {
   EXPECT_EQ(long(wood.down_dependances(1, 0, {}).size()), 2 * rungs - 2);
   // Rewriting the bottom rung walks everything above it once.
   wood.exp_by_index(1)->append_or_exp(in);
-  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  EXPECT_LT(seconds, 2.0);
 }
 
 TEST(WoodPaths, LoopBreakingSplitsACycleOnAFreeVariable) {

@@ -13,6 +13,9 @@
 
 #include "gui/afficheur_filtres.h"
 #include "gui/report.h"
+#include "util/report.h"
+
+void install_message_boxes();
 
 namespace {
 
@@ -285,6 +288,11 @@ TEST(NoDisplay, ReportGoesToTheErrorStream) {
   std::string err = testing::internal::GetCapturedStderr();
   EXPECT_EQ(err, "Debugging trace\n" + std::string(55, '-') + "\nfirst\n" + std::string(55, '-') +
                      "\nsecond\n");
+  // The core reaches the display through its installed boxes.
+  install_message_boxes();
+  testing::internal::CaptureStderr();
+  report_display({"trace line"}, "Debugging trace");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Debugging trace\ntrace line\n");
   testing::internal::CaptureStderr();
   { OFD_wait_form wait("compiling"); }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "compiling\n");

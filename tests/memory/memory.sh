@@ -7,7 +7,7 @@
 set -u
 quarnc=$(readlink -f "$1")
 e2e=$(readlink -f "$2")
-export QUARN_BATCH=1 ASAN_OPTIONS=detect_leaks=0 E2E=$e2e
+export QUARN_BATCH=1 ASAN_OPTIONS=detect_leaks=0 E2E=$e2e QUARN_TRACE_TARGETS=c
 unset DISPLAY
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

@@ -12,7 +12,7 @@ For each program of the seeds S .. S+N-1:
   - the reference evaluator (refeval.py) gives the same outputs on the trace.
 Programs that must be refused (cycles, type errors, bad renamings) are refused with their
 message. A failure prints the program, the inputs and the first differing reaction.
-Traces of further targets go in TARGET_TRACES: name -> function(dir, module, trace).
+Every other target script of tests/e2e/targets runs the same trace and must agree with the C.
 """
 import argparse
 import concurrent.futures
@@ -32,17 +32,45 @@ INT_HEADER = os.path.join(HERE, '..', 'e2e', 'trace', 'C_data_user_int.h')
 REACTIONS = 12
 TIMEOUT = 60
 
-# Further targets (BLIF, VHDL, SMV): name -> function(directory, module, program, trace)
-# giving a list of sets of present outputs, or None when the target is not built.
+TARGETS_DIR = os.path.join(HERE, '..', 'e2e', 'targets')
+
+
+def script_target(name):
+    """A target of the reaction traces, tests/e2e/targets/NAME.sh, run on a program's trace
+    (see tests/e2e/targets/README.md): a list of sets of output words."""
+    def trace_of(d, m, trace, values):
+        with open(os.path.join(d, 'lines.txt'), 'w') as f:
+            for i, present in enumerate(trace):
+                words = [x + ('=%d' % values[i] if x == 'V0' else '') for x in sorted(present)]
+                f.write(' '.join(words) + ' /\n')
+        env = dict(QUARNC=QUARNC_PATH, QUARNC_ARGS='-c -qnc -main %s %s.qn' % (m, m))
+        rc, out, err = run(['bash', os.path.join(TARGETS_DIR, name + '.sh'), m, 'lines.txt'], d, env=env)
+        if rc:
+            raise Failure('target %s fails:\n%s' % (name, err[-3000:]))
+        return [set(line.split('/', 1)[1].split()) for line in out.splitlines() if '/' in line]
+    return trace_of
+
+
+# The other targets of the reaction traces (BLIF, VHDL, SMV, ... as their scripts land in
+# tests/e2e/targets), compared with the C; QUARN_RANDOM_TARGETS="blif smv" picks some.
 TARGET_TRACES = {}
+QUARNC_PATH = ''
+
+
+def find_targets():
+    present = sorted(f[:-3] for f in os.listdir(TARGETS_DIR)
+                     if f.endswith('.sh') and f not in ('c.sh', 'lib.sh')) if os.path.isdir(TARGETS_DIR) else []
+    wanted = os.environ.get('QUARN_RANDOM_TARGETS')
+    names = [t for t in present if wanted is None or t in wanted.split()]
+    return {t: script_target(t) for t in names}
 
 
 class Failure(Exception):
     pass
 
 
-def run(cmd, cwd, timeout=TIMEOUT):
-    env = dict(os.environ, QUARN_BATCH='1', ASAN_OPTIONS='detect_leaks=0')
+def run(cmd, cwd, timeout=TIMEOUT, env=None):
+    env = dict(os.environ, QUARN_BATCH='1', ASAN_OPTIONS='detect_leaks=0', **(env or {}))
     env.pop('DISPLAY', None)
     try:
         p = subprocess.run(cmd, cwd=cwd, env=env, capture_output=True, text=True, timeout=timeout,
@@ -221,8 +249,8 @@ def check_program(seed, quarnc, resave, stats):
             stats['linked'] += 1
 
         for name, target in TARGET_TRACES.items():
-            t = target(d, m, p, trace)
-            if t is not None:
+            t = target(d, m, trace, values)
+            if t:
                 compare('%s against C' % name, trace, values, t, got, name, 'C')
 
         if ref is not None:
@@ -265,6 +293,9 @@ def main():
     a.add_argument('--keep-going', action='store_true')
     o = a.parse_args()
     quarnc, resave = os.path.abspath(o.quarnc), os.path.abspath(o.resave)
+    global QUARNC_PATH, TARGET_TRACES
+    QUARNC_PATH = quarnc
+    TARGET_TRACES.update(find_targets())
     stats = {k: 0 for k in ('c', 'qnc', 'linked', 'reference', 'unreferenced', 'cycles', 'refused')}
     failures = []
     seeds = range(o.seed, o.seed + o.count)
