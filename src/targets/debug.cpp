@@ -14,8 +14,7 @@
 #include "targets/formats.h"
 #include "targets/report_display.h"
 #include "targets/target_table.h"
-
-ReportDisplay report_display_hook = nullptr;
+#include "util/report.h"
 
 namespace {
 
@@ -166,7 +165,6 @@ void Module::printDebug() {
 
   // The display blocks until it is closed: a batch run or one without a display skips it.
   const char* display = std::getenv("DISPLAY");
-  if (!report_display_hook || std::getenv("QUARN_BATCH") || !display || !*display) return;
-  std::list<std::string> lines = report_lines_of_file(path);
-  report_display_hook(lines, "Debugging trace", "");
+  if (std::getenv("QUARN_BATCH") || !display || !*display) return;
+  report_display(report_lines_of_file(path), "Debugging trace", "");
 }

@@ -73,11 +73,11 @@ void Module::ESTEREL_put(std::ostream& out, int mode) {
 
   out << "module " << m << ":" << "\n";
   if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
-    for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList())
-      if (c->getValueTable()) {
-        c->ESTEREL_put(out, this);
-        out << "\n";
-      }
+    // Every constant, also one without a value: Esterel takes its value from the host.
+    for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) {
+      c->ESTEREL_put(out, this);
+      out << "\n";
+    }
   out << "\n";
 
   // One interface line: the wires of the signals, a valued one with its type.

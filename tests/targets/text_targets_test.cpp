@@ -17,6 +17,7 @@
 #include "model/module.h"
 #include "signals/signal_manager.h"
 #include "targets/report_display.h"
+#include "util/report.h"
 #include "text_check.h"
 
 namespace {
@@ -196,7 +197,9 @@ TEST(DebugTrace, BatchRunWritesTheFileAndShowsNothing) {
   Module* m = finalized(std::string(QUARN_SOURCE_DIR) + "/examples/abro.qn", "abro");
   ASSERT_NE(m, nullptr);
   Module* main_module = Compilation::ModTable->get("abro");
-  report_display_hook = count_report;
+  ReportBoxes boxes;
+  boxes.display = count_report;
+  install_report_boxes(boxes);
   Module::OutputDir = QUARN_BINARY_DIR;
   Module::OutputFile = "trace_" + std::to_string(getpid()) + ".dbg";
   main_module->printDebug();
@@ -207,7 +210,7 @@ TEST(DebugTrace, BatchRunWritesTheFileAndShowsNothing) {
   EXPECT_EQ(first, "module: abro");
   EXPECT_EQ(shown_reports, 0);
   std::remove(path.c_str());
-  report_display_hook = nullptr;
+  install_report_boxes(ReportBoxes{});
   Module::OutputDir = ".";
   Module::OutputFile.clear();
 }
