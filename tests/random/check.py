@@ -306,6 +306,8 @@ def main():
             if s % 5 == 0:
                 jobs[pool.submit(check_refused, s, quarnc, stats)] = s
         for f in concurrent.futures.as_completed(jobs):
+            if f.cancelled():
+                continue
             try:
                 f.result()
             except Failure as e:
