@@ -3,6 +3,7 @@
 #include <FL/Fl.H>
 #include <FL/Fl_Browser.H>
 #include <FL/Fl_Button.H>
+#include <FL/Fl_Check_Browser.H>
 #include <FL/Fl_Window.H>
 #include <FL/Fl_Input_.H>
 #include <FL/forms.H>
@@ -42,7 +43,8 @@ static bool probe_display() {
 namespace {
 
 // A text picture of a window and its widgets: kind, label, geometry, and the value of
-// inputs, buttons and browsers.
+// inputs, buttons and browsers (check browsers: each item and whether it is ticked), and
+// the colour of an unlabelled flat box.
 void describe(std::ostream& out, Fl_Widget* w, int depth) {
   std::string indent(2 * depth, ' ');
   const char* label = w->label() != nullptr ? w->label() : "";
@@ -53,7 +55,9 @@ void describe(std::ostream& out, Fl_Widget* w, int depth) {
     auto* input = dynamic_cast<Fl_Input_*>(w);
     auto* button = dynamic_cast<Fl_Button*>(w);
     auto* browser = dynamic_cast<Fl_Browser*>(w);
-    out << indent << (input ? "input" : button ? "button" : browser ? "browser" : "widget") << " \""
+    auto* checks = dynamic_cast<Fl_Check_Browser*>(w);
+    out << indent
+        << (input ? "input" : button ? "button" : browser ? "browser" : checks ? "checks" : "widget") << " \""
         << label << "\" " << w->x() << "," << w->y() << " " << w->w() << "x" << w->h();
     if (input != nullptr) out << " value \"" << input->value() << "\"";
     if (button != nullptr) out << " value " << static_cast<int>(button->value());
@@ -61,6 +65,11 @@ void describe(std::ostream& out, Fl_Widget* w, int depth) {
       out << " lines " << browser->size();
       if (browser->size() > 0) out << " first \"" << browser->text(1) << "\"";
     }
+    if (checks != nullptr)
+      for (int i = 1; i <= checks->nitems(); i++)
+        out << " " << (checks->checked(i) ? "[x]" : "[ ]") << checks->text(i);
+    if (w->box() == FL_FLAT_BOX && *label == '\0' && w->as_group() == nullptr)
+      out << " colour " << static_cast<unsigned>(w->color());
     if (!w->visible()) out << " hidden";
     if (!w->active_r()) out << " inactive";
     out << "\n";

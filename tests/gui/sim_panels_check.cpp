@@ -1,4 +1,5 @@
-// The simulator panels, under a display only (xvfb-run gives one).
+// The simulator panels' paging, colours, buttons and timeout; run by the window case
+// gui/windows/sim_panels on a private X server (skipped without a display).
 #include <gtest/gtest.h>
 
 #include <FL/Enumerations.H>
