@@ -41,7 +41,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 

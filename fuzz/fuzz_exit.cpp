@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 
 namespace fuzz {

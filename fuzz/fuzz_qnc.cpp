@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "fuzz_exit.h"
 #include "model/module.h"
 

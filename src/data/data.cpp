@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "data/data_links.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 
 // ===========================================================================
 // Types

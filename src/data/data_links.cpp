@@ -1,6 +1,6 @@
 #include "data/data_links.h"
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 

@@ -5,7 +5,7 @@
 
 #include "data/data.h"
 #include "data/data_links.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 
 std::string DataValue::QUARNS_put(Module*, DataConstantValueMap*, DataSignalValueMap*, int*,
                                   socket_type*) {

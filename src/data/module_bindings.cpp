@@ -5,7 +5,7 @@
 
 #include "data/data.h"
 #include "data/data_links.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"

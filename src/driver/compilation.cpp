@@ -1,4 +1,4 @@
-#include "driver/compilation.h"
+#include "util/compilation.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "util/report.h"
 #include "model/module.h"
 #include "targets/formats.h"

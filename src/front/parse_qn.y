@@ -43,7 +43,7 @@ void qnerror(const char* message);
 #include <sstream>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "front/parse_supl.h"
 #include "model/module.h"
 #include "model/statement.h"

@@ -36,7 +36,7 @@ void qncerror(const char* message);
 #include <iostream>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "front/qnc_reader.h"
 #include "model/module.h"

@@ -6,7 +6,7 @@
 #include <iostream>
 #include <string>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "util/report.h"
 #include "front/qn_lexer.h"
 #include "parse_qn.tab.h"

@@ -9,7 +9,7 @@
 #include <iostream>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "front/qnc_lexer.h"
 #include "model/module.h"

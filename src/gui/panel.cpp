@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <list>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 #include "gui/formspp.h"
 #include "gui/winquarnc_interface.h"

@@ -5,7 +5,7 @@
 #include <iostream>
 
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
 #include "model/statement.h"

@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "util/report.h"
 #include "model/module.h"
 #include "model/statement.h"

@@ -1,6 +1,6 @@
 // Cleaning of a compiled wood before it is saved or finalized: internal wires, useless
 // registers and locals that nobody outside reads.
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 

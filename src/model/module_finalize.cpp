@@ -6,7 +6,7 @@
 
 #include "bdd/bddpp.h"
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
 #include "util/report.h"

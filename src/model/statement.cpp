@@ -6,7 +6,7 @@
 #include <iostream>
 #include <set>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/equationtable.h"
 #include "model/module.h"
 #include "model/wire_names.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 #include "model/statement.h"
 #include "signals/signal_manager.h"

@@ -1,6 +1,6 @@
 // Emission statements. An emission writes no equation of its own: it ors a driver into
 // the equations that the compile environment or a pause opened for the signal.
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/equationtable.h"
 #include "model/module.h"
 #include "model/statement.h"

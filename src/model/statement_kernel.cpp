@@ -1,7 +1,7 @@
 // Equations of the sequential kernel: nothing, halt, sequences, loop, pause, wait and
 // the two tests. Each createEquations makes its wires first, then its registers, then
 // its equations in the order that fixes the circuit.
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/equationtable.h"
 #include "model/module.h"
 #include "model/statement.h"

@@ -1,7 +1,7 @@
 // Mealy machines: a module body given as equations, active from the start instant on
 // until a reset clears the machine's one register.
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
 #include "model/module.h"

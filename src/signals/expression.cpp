@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "signals/signal_manager.h"
 

@@ -16,7 +16,7 @@
 
 #include "bdd/bddpp.h"
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "gui/formspp.h"
 #include "model/module.h"

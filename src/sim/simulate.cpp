@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
-#include "sim/sim_support.h"
+#include "util/sim_support.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <iostream>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "sim/sock.h"
 
 std::string Compilation::Socket_call(const std::string& buffer, socket_type* s) {

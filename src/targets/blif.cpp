@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "util/report.h"
 #include "model/module.h"

@@ -11,7 +11,7 @@
 
 #include "bdd/bddpp.h"
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "targets/formats.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"

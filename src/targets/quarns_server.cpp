@@ -5,9 +5,9 @@
 #include <iostream>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
-#include "sim/sim_support.h"
+#include "util/sim_support.h"
 #include "targets/quarns_server.h"
 #include "util/report.h"
 

@@ -1,6 +1,6 @@
 #include "targets/target_table.h"
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 #include "targets/debug_trace.h"
 #include "targets/formats.h"

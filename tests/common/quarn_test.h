@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "front/parse_supl.h"
 #include "model/module.h"
 

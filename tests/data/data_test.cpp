@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
 #include "model/module.h"

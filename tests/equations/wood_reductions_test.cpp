@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 
 namespace {

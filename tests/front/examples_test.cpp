@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 #include "model/statement.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "front/parse_supl.h"
 #include "model/module.h"
 #include "model/statement.h"

@@ -7,7 +7,7 @@
 
 #include <cstdlib>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 #include "gui/winquarnc_interface.h"
 

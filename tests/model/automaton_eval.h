@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
 #include "front/parse_supl.h"

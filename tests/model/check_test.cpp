@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "data/data.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 #include "model/statement.h"
 #include "model_test_util.h"

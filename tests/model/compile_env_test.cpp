@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "bdd/bddpp.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
 #include "model/module.h"

@@ -10,7 +10,7 @@
 
 #include "compile_eval.h"
 #include "compile_util.h"
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/statement.h"
 #include "model_test_util.h"

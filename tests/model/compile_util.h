@@ -6,7 +6,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 #include "common/quarn_test.h"
 

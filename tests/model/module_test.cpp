@@ -5,7 +5,7 @@
 
 #include <sstream>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/statement.h"
 #include "model_test_util.h"
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <typeinfo>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 
 namespace {

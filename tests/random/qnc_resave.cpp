@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "model/module.h"
 
 int main(int argc, char** argv) {

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <thread>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "sim/sock.h"
 
 namespace {

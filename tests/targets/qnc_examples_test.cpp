@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/compilation.h"
+#include "util/compilation.h"
 #include "driver/driver.h"
 #include "model/module.h"
 

@@ -1,4 +1,4 @@
-#include "sim/sim_support.h"
+#include "util/sim_support.h"
 
 #include <csignal>
 #include <cstdlib>
