@@ -376,7 +376,7 @@ bdd_node* bddpp_manager::Find_or_create_bdd_node(long index, int then_link, int 
 void bddpp_manager::Cache_clear() { cache_.assign_zero(cache_.size()); }
 
 void bddpp_manager::Cache_maybe_grow() {
-  constexpr size_t kMaxCache = size_t(1) << 18;
+  constexpr size_t kMaxCache = size_t(1) << 22;
   if (cache_.size() >= kMaxCache || size_t(pool_top_) < cache_.size() * 2) return;
   bdd_detail::table<cache_entry> old;
   old.swap(cache_);

@@ -544,6 +544,7 @@ class bddpp_manager {
   std::vector<uint32_t> visit_;           // stamp by slot
   uint32_t visit_stamp_ = 0;
   std::vector<int> literals_;             // scratch literal array
+  long cube_bottom_ = -1;                 // deepest level that literals_ fixes
 };
 
 // Copies between managers: target first, source second. The node forms give

@@ -266,7 +266,8 @@ bdd bddpp_manager::Bdd_else(const bdd& f) {
 bddpp_manager::edge bddpp_manager::Cube_reduce_rec(bdd_node* n, const int* literals, uint32_t cube) {
   edge sign = 0;
   for (;;) {
-    if (n == one) return reinterpret_cast<edge>(one) | sign;
+    // Below the deepest literal the cofactor is the node itself.
+    if (n == one || Level(n) > cube_bottom_) return reinterpret_cast<edge>(n) | sign;
     int lit = literals[Level(n)];
     if (lit == 1) {
       n = n->then_node;
@@ -298,6 +299,8 @@ bdd bddpp_manager::Bdd_cube_reduce(const bdd& f, const bdd& cube) {
   if (f.node() == one || cube.node() == one) return f;
   literals_.assign(Nb_bdd_vars, 2);
   Bdd_node_to_literals(cube.link_type(), cube.node(), literals_.data());
+  cube_bottom_ = Nb_bdd_vars - 1;
+  while (cube_bottom_ >= 0 && literals_[cube_bottom_] == 2) cube_bottom_--;
   edge r = Cube_reduce_rec(f.node(), literals_.data(), Code(Edge(cube.link_type(), cube.node())));
   return Wrap(f.link_type() < 0 ? r ^ 1 : r);
 }
