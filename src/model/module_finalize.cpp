@@ -189,6 +189,27 @@ void Module::finalize(int keep_rtl) {
   if (manager) loose_first_underscore_in_name_variables();
 }
 
+namespace {
+
+// The wire suppression propagates a constant next value into its readers (its own under
+// member among them) and drops it, whatever its kind; the under member still tells the
+// constant. Gives the next value's equation made again, or null.
+Bddexpression* restoredNextValue(Module* m, Bddexpressionwood* wood, regclass* r) {
+  long ui = r->next_var()->getUnderBddId(m, wood);
+  Bddexpression* u = ui >= 0 ? wood->exp_by_index(ui) : nullptr;
+  if (!u || !u->my_bdd_exp().initialised()) return nullptr;
+  bddpp_manager* manager = wood->my_bdd_manager();
+  const bdd& under = u->my_bdd_exp();
+  const bool absent = manager->Bdd_is_tautology(under, 1);
+  if (!absent && !manager->Bdd_is_tautology(under, 0)) return nullptr;
+  bdd over = r->next_var()->getOverBdd(m, wood);
+  if (!over.initialised()) return nullptr;
+  return new Bddexpression(r->next_var()->getInternalName(), wood, over,
+                           absent ? wood->Bdd_zero() : wood->Bdd_one(), 0, 0, Compilation::SREG);
+}
+
+}  // namespace
+
 void Module::suppress_useless_registers() {
   Bddexpressionwood* wood = getBddWood();
   if (!wood || !registerList) return;
@@ -196,6 +217,7 @@ void Module::suppress_useless_registers() {
   for (regclass* r : *registerList) {
     long oi = r->next_var()->getOverBddId(this, wood);
     Bddexpression* e = oi >= 0 ? wood->exp_by_index(oi) : nullptr;
+    if (!e) e = restoredNextValue(this, wood, r);
     if (!e) {
       std::string text = "internal error 2 in Module::suppress_useless_registers() about index:" +
                          std::to_string(oi);
