@@ -24,7 +24,7 @@ bool Compilation::DebugFlag = false, Compilation::PureSimulFlag = false,
      Compilation::VersionFlag = false, Compilation::KeepWiresFlag = false,
      Compilation::ForgetLocalsNameFlag = false, Compilation::CheckOverKnowledgeFlag = false,
      Compilation::SMVFlag = false, Compilation::CFlag = false, Compilation::CSHARPFlag = false,
-     Compilation::BLIFFlag = false, Compilation::VHDLALTERAFlag = false;
+     Compilation::BLIFFlag = false, Compilation::VHDLALTERAFlag = false, Compilation::LeanCFlag = false;
 
 void Compilation::reset() {
   ModTable = new ModuleTable();
@@ -36,7 +36,7 @@ void Compilation::reset() {
   GDataConstantTable = nullptr;
   for (bool* f : {&DebugFlag, &PureSimulFlag, &ValuedSimulFlag, &QuarnsFlag, &MainFlag, &SaveFlag,
                   &HelpFlag, &VersionFlag, &KeepWiresFlag, &ForgetLocalsNameFlag, &CheckOverKnowledgeFlag,
-                  &SMVFlag, &CFlag, &CSHARPFlag, &BLIFFlag, &VHDLALTERAFlag})
+                  &SMVFlag, &CFlag, &CSHARPFlag, &BLIFFlag, &VHDLALTERAFlag, &LeanCFlag})
     *f = false;
   for (int* n : {&Module::PauseNumber, &Module::NothingNumber, &Module::HaltNumber, &Module::ParallelNumber,
                  &Module::SequenceNumber, &Module::PresentNumber, &Module::AbsentNumber, &Module::LoopNumber,

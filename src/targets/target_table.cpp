@@ -4,6 +4,7 @@
 #include "model/module.h"
 #include "targets/debug_trace.h"
 #include "targets/formats.h"
+#include "targets/lean_c.h"
 #include "targets/quarns_server.h"
 
 namespace {
@@ -40,6 +41,8 @@ const std::vector<Target>& targetTable() {
       {"-c", &Compilation::CFlag, "the C code", true,
        [](const std::string& m) { return generate(m + ".c and " + m + ".h"); }, cFiles,
        [](Module& m) { m.printC(); }},
+      {"-lean_c", &Compilation::LeanCFlag, "the lean C code", true,
+       [](const std::string& m) { return generate(m + ".c and " + m + ".h (lean)"); }, cFiles, print_lean_c},
       {"-csharp", &Compilation::CSHARPFlag, "the C# component", true,
        [](const std::string& m) { return generate(m + ".cs"); }, csharpFiles,
        [](Module& m) { m.printCSHARP(); }},

@@ -62,6 +62,7 @@ class Compilation {
   static bool DebugFlag, PureSimulFlag, ValuedSimulFlag, QuarnsFlag, MainFlag, SaveFlag, HelpFlag,
       VersionFlag, KeepWiresFlag, ForgetLocalsNameFlag, CheckOverKnowledgeFlag, SMVFlag, CFlag,
       CSHARPFlag, BLIFFlag, VHDLALTERAFlag;
+  static bool LeanCFlag;  // lean C, an option of this compiler's own
 
   // Wire names: prefix followed by a statement or module name (and a number).
   static std::string createSETName(const std::string& s);
