@@ -72,6 +72,69 @@ void Bddexpressionwood::Put_doc(std::ostream& out, const std::string& node_base)
   }
 }
 
+namespace {
+
+// The binding table: for each binding its clock, its signal with every occurrence, and the
+// number of its value in the evaluation table that follows.
+void docBindings(std::ostream& out, Module* m, Bddexpressionwood* wood) {
+  std::map<std::string, DataBinding*>* dataTable = m->getDataTable();
+  if (!dataTable) return;
+  out << "Binding table" << "\n";
+  std::list<DataExpr*> evaluations;
+  for (const auto& [key, b] : *dataTable) {
+    out << "presence du signal: \"" << key << "\" declenche l'emission de : " << "\n";
+    if (b->getClock()) {
+      out << "  - value support signal : ";
+      m->DEBUG_OneSignal_put(out, b->getClock());
+      out << "\n";
+    } else {
+      out << "  - no value support signal ..." << "\n";
+    }
+    if (Signal* s = b->getSignal()) {
+      out << "  - signal data: ";
+      m->DEBUG_OneSignal_put(out, s);
+      out << "\n";
+      std::list<SignalRef*>* refs = m->getSignalManager()->getAllSignalRef(s, wood);
+      for (SignalRef* r : *refs)
+        out << "      associated occurence: " << r->getCurrentOccurrence() << ": " << r->getCurrentName() << " ("
+            << r->getOverBddId(wood) << ", " << r->getUnderBddId(wood) << "): " << "\n";
+      delete refs;
+    }
+    out << "  - evaluation tree: " << evaluations.size() << "\n";
+    evaluations.push_back(b->getValue());
+  }
+  out << "\n" << "\n" << "evaltable:" << "\n";
+  int i = 0;
+  for (DataExpr* e : evaluations) {
+    out << " index: " << i++ << ": ";
+    e->DEBUG_put(out, m);
+    out << ";" << "\n";
+  }
+}
+
+// The user's types, methods and the constants without a value table.
+void docDataTables(std::ostream& out, Module* m) {
+  if (Compilation::GDataTypeTable) {
+    out << "data type:" << "\n";
+    for (const auto& entry : Compilation::GDataTypeTable->getTypeTable()) out << entry.first << "\n";
+    if (Compilation::GDataMethodTable) {
+      out << "\n" << "methods table:" << "\n";
+      Compilation::GDataMethodTable->C_put(out);
+    }
+  }
+  if (Compilation::GDataConstantTable) {
+    out << "\n" << "constants table: " << "\n";
+    if (Compilation::GDataConstantTable->getConstantList())
+      for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList())
+        if (!c->getValueTable()) {
+          c->DEBUG_put(out, m);
+          out << "\n";
+        }
+  }
+}
+
+}  // namespace
+
 void Module::DOC_put(std::ostream& out, int) {
   Bddexpressionwood* wood = getBddWood();
   if (!wood) return;
@@ -157,55 +220,6 @@ void Module::DOC_put(std::ostream& out, int) {
   wood->Put_doc(out, "node");
   out << "\n";
 
-  if (dataTable) {
-    out << "Binding table" << "\n";
-    std::list<DataExpr*> evaluations;
-    for (const auto& [key, b] : *dataTable) {
-      out << "presence du signal: \"" << key << "\" declenche l'emission de : " << "\n";
-      if (b->getClock()) {
-        out << "  - value support signal : ";
-        DEBUG_OneSignal_put(out, b->getClock());
-        out << "\n";
-      } else {
-        out << "  - no value support signal ..." << "\n";
-      }
-      if (Signal* s = b->getSignal()) {
-        out << "  - signal data: ";
-        DEBUG_OneSignal_put(out, s);
-        out << "\n";
-        std::list<SignalRef*>* refs = signalManager->getAllSignalRef(s, wood);
-        for (SignalRef* r : *refs)
-          out << "      associated occurence: " << r->getCurrentOccurrence() << ": " << r->getCurrentName() << " ("
-              << r->getOverBddId(wood) << ", " << r->getUnderBddId(wood) << "): " << "\n";
-        delete refs;
-      }
-      out << "  - evaluation tree: " << evaluations.size() << "\n";
-      evaluations.push_back(b->getValue());
-    }
-    out << "\n" << "\n" << "evaltable:" << "\n";
-    int i = 0;
-    for (DataExpr* e : evaluations) {
-      out << " index: " << i++ << ": ";
-      e->DEBUG_put(out, this);
-      out << ";" << "\n";
-    }
-  }
-
-  if (Compilation::GDataTypeTable) {
-    out << "data type:" << "\n";
-    for (const auto& entry : Compilation::GDataTypeTable->getTypeTable()) out << entry.first << "\n";
-    if (Compilation::GDataMethodTable) {
-      out << "\n" << "methods table:" << "\n";
-      Compilation::GDataMethodTable->C_put(out);
-    }
-  }
-  if (Compilation::GDataConstantTable) {
-    out << "\n" << "constants table: " << "\n";
-    if (Compilation::GDataConstantTable->getConstantList())
-      for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList())
-        if (!c->getValueTable()) {
-          c->DEBUG_put(out, this);
-          out << "\n";
-        }
-  }
+  docBindings(out, this, wood);
+  docDataTables(out, this);
 }
