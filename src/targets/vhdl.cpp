@@ -83,222 +83,270 @@ void Bddexpression::put_vhdl_quarnc(std::ostream& out, const std::string& node_a
   if (output) out << "\n" << "      -- final output evaluation of " << w << " in process";
 }
 
-void Module::VHDL_put(std::ostream& out, std::istream& libs, int altera) {
-  Bddexpressionwood* wood = getBddWood();
-  if (!wood) return;
-  bddpp_manager* manager = wood->my_bdd_manager();
-  const std::string& m = name;
-  const std::string l = altera ? "std_logic" : "bit";
-  const std::string n = m + "_node";
-  auto wire = [&](long id) { return wood->Name_var_by_index(id); };
-  auto var_gid = [&](long id) { return var_element(manager, id); };
-  std::list<regclass*> registers = registerList ? *registerList : std::list<regclass*>();
-  std::list<memorizedSignal*> pres = preList ? *preList : std::list<memorizedSignal*>();
-  std::list<Signal*> inputs = inputList ? *inputList : std::list<Signal*>();
-  std::list<Signal*> outputs = outputList ? *outputList : std::list<Signal*>();
-  std::list<Signal*> locals = localList ? *localList : std::list<Signal*>();
+namespace {
+
+// Writes a module as one VHDL entity and its architecture, phase by phase: the heading
+// and libraries, the entity, the declarations, the clocked process (reset, rising edge,
+// falling edge) and the concurrent assignments.
+struct VhdlWriter {
+  Module* mod;
+  std::ostream& out;
+  Bddexpressionwood* wood;
+  bddpp_manager* manager;
+  const std::string m, l, n;
+  std::list<regclass*> registers;
+  std::list<memorizedSignal*> pres;
+  std::list<Signal*> inputs, outputs, locals;
   std::list<std::string> output_names;
-  for (Signal* s : outputs) output_names.push_back(s->getOriginalName());
+  long nb_vars;
+
+  VhdlWriter(Module* module, std::ostream& o, int altera)
+      : mod(module),
+        out(o),
+        wood(module->getBddWood()),
+        manager(wood->my_bdd_manager()),
+        m(module->getName()),
+        l(altera ? "std_logic" : "bit"),
+        n(m + "_node"),
+        nb_vars(manager->Nb_bdd_vars) {
+    if (module->getRegisterList()) registers = *module->getRegisterList();
+    if (module->getPreSignalList()) pres = *module->getPreSignalList();
+    if (module->getInputSignalList()) inputs = *module->getInputSignalList();
+    if (module->getOutputSignalList()) outputs = *module->getOutputSignalList();
+    if (module->getLocalSignalList()) locals = *module->getLocalSignalList();
+    for (Signal* s : outputs) output_names.push_back(s->getOriginalName());
+  }
+
+  std::string wire(long id) const { return wood->Name_var_by_index(id); }
+  long var_gid(long id) const { return var_element(manager, id); }
   // Element of an input: the node of its over variable.
-  auto input_element = [&](Signal* s) { return element(n, var_gid(s->getOverBddId(this, wood))); };
-  auto valued = [&](Signal* s) { return s->isValued(this); };
-  auto type = [&](Signal* s) { return s->getValueType(this); };
+  std::string input_element(Signal* s) const { return element(n, var_gid(s->getOverBddId(mod, wood))); }
+  bool valued(Signal* s) const { return s->isValued(mod); }
+  std::string type(Signal* s) const { return s->getValueType(mod); }
+  Bddexpression* equation(long id) const { return id < wood->Nb_bdd_vars() ? wood->Exp_table()[id] : nullptr; }
 
-  out << "-- VHDL generation by QUARNF version " << quarn::kVersionText << "-4" << " from " << m
-      << " Quarn compiled code" << "\n" << "\n";
-  if (libs) {
-    std::string line;
-    while (std::getline(libs, line)) out << line << "\n";
-  } else {
-    out << "-- no vhdl_libs.inc file found ..." << "\n" << "\n";
+  void heading(std::istream& libs) {
+    out << "-- VHDL generation by QUARNF version " << quarn::kVersionText << "-4" << " from " << m
+        << " Quarn compiled code" << "\n" << "\n";
+    if (libs) {
+      std::string line;
+      while (std::getline(libs, line)) out << line << "\n";
+    } else {
+      out << "-- no vhdl_libs.inc file found ..." << "\n" << "\n";
+    }
   }
 
-  out << "entity " << m << " is" << "\n" << "  port(" << "\n";
-  if (!finalised) {
-    out << "       s_SET" << m << " : in " << l << ";" << "\n";
-    out << "       s_RESET" << m << " : in " << l << ";" << "\n";
+  void entity() {
+    out << "entity " << m << " is" << "\n" << "  port(" << "\n";
+    if (!mod->getFinalised()) {
+      out << "       s_SET" << m << " : in " << l << ";" << "\n";
+      out << "       s_RESET" << m << " : in " << l << ";" << "\n";
+    }
+    for (Signal* s : inputs) {
+      out << "       " << s->getOriginalName() << " : in " << l << ";" << "\n";
+      long under = s->getUnderBddId(mod, wood);
+      if (!mod->getFinalised() && has_id(under)) out << "       " << wire(under) << " : in " << l << ";" << "\n";
+      if (valued(s)) out << "       " << s->getOriginalName() << "_val : in " << type(s) << ";" << "\n";
+    }
+    // A port list cannot end with a separator: without outputs, clk is the last port.
+    out << "       reset : in " << l << ";" << "\n" << "       clk : in " << l << (outputs.empty() ? "" : ";")
+        << "\n";
+    std::list<std::string> ports;
+    for (Signal* s : outputs) {
+      ports.push_back("       " + s->getOriginalName() + " : out " + l);
+      long under = s->getInitialUnderBddId(mod, wood);
+      if (!mod->getFinalised() && has_id(under)) ports.push_back("       " + wire(under) + " : out " + l);
+      if (valued(s)) ports.push_back("       " + s->getOriginalName() + "_val : out " + type(s));
+    }
+    bool first = true;
+    for (const std::string& p : ports) {
+      if (!first) out << ";" << "\n";
+      first = false;
+      out << p;
+    }
+    if (!ports.empty()) out << "\n";
+    out << "     );" << "\n" << "end " << m << ";" << "\n" << "\n";
   }
-  for (Signal* s : inputs) {
-    out << "       " << s->getOriginalName() << " : in " << l << ";" << "\n";
-    long under = s->getUnderBddId(this, wood);
-    if (!finalised && has_id(under)) out << "       " << wire(under) << " : in " << l << ";" << "\n";
-    if (valued(s)) out << "       " << s->getOriginalName() << "_val : in " << type(s) << ";" << "\n";
-  }
-  // A port list cannot end with a separator: without outputs, clk is the last port.
-  out << "       reset : in " << l << ";" << "\n" << "       clk : in " << l << (outputs.empty() ? "" : ";")
-      << "\n";
-  std::list<std::string> ports;
-  for (Signal* s : outputs) {
-    ports.push_back("       " + s->getOriginalName() + " : out " + l);
-    long under = s->getInitialUnderBddId(this, wood);
-    if (!finalised && has_id(under)) ports.push_back("       " + wire(under) + " : out " + l);
-    if (valued(s)) ports.push_back("       " + s->getOriginalName() + "_val : out " + type(s));
-  }
-  bool first = true;
-  for (const std::string& p : ports) {
-    if (!first) out << ";" << "\n";
-    first = false;
-    out << p;
-  }
-  if (!ports.empty()) out << "\n";
-  out << "     );" << "\n" << "end " << m << ";" << "\n" << "\n";
 
-  out << "architecture " << m << "_a of " << m << " is" << "\n" << "\n";
-  out << "TYPE array_" << n << " IS ARRAY (" << manager->Bdd_total_size() << " downto 0) OF " << l << " ;"
-      << "\n";
-  if (Compilation::GDataConstantTable) Compilation::GDataConstantTable->VHDL_put(out, this);
-  out << "\n";
+  void declarations() {
+    out << "architecture " << m << "_a of " << m << " is" << "\n" << "\n";
+    out << "TYPE array_" << n << " IS ARRAY (" << manager->Bdd_total_size() << " downto 0) OF " << l << " ;"
+        << "\n";
+    if (Compilation::GDataConstantTable) Compilation::GDataConstantTable->VHDL_put(out, mod);
+    out << "\n";
 
-  // Signals of the architecture; a local without a wire in this wood has none. A value is
-  // read and written under the signal's first occurrence.
-  auto declare = [&](const std::string& w, const std::string& t) {
-    out << "signal " << w << " : " << t << ";" << "\n";
-  };
-  for (Signal* s : inputs)
-    if (valued(s)) declare(wire(s->getOverBddId(this, wood)) + "_locval", type(s));
-  for (Signal* s : locals) {
-    long over = s->getOverBddId(this, wood);
-    if (!has_id(over)) continue;
-    declare(wire(over), l);
-    if (valued(s)) declare(wire(s->getInitialOverBddId(this, wood)) + "_locval", type(s));
+    // Signals of the architecture; a local without a wire in this wood has none. A value is
+    // read and written under the signal's first occurrence.
+    auto declare = [&](const std::string& w, const std::string& t) {
+      out << "signal " << w << " : " << t << ";" << "\n";
+    };
+    for (Signal* s : inputs)
+      if (valued(s)) declare(wire(s->getOverBddId(mod, wood)) + "_locval", type(s));
+    for (Signal* s : locals) {
+      long over = s->getOverBddId(mod, wood);
+      if (!has_id(over)) continue;
+      declare(wire(over), l);
+      if (valued(s)) declare(wire(s->getInitialOverBddId(mod, wood)) + "_locval", type(s));
+    }
+    for (Signal* s : outputs)
+      if (valued(s)) declare(wire(s->getInitialOverBddId(mod, wood)) + "_locval", type(s));
+    for (memorizedSignal* p : pres) {
+      Signal* pre = p->getPre();
+      declare(pre->getOriginalName(), l);
+      if (valued(pre)) declare(pre->getOriginalName() + "_locval", type(pre));
+    }
+    out << "signal " << n << "_starter : " << l << ";" << "\n";
+    out << "signal " << n << " : array_" << n << ";" << "\n" << "\n";
   }
-  for (Signal* s : outputs)
-    if (valued(s)) declare(wire(s->getInitialOverBddId(this, wood)) + "_locval", type(s));
-  for (memorizedSignal* p : pres) {
-    Signal* pre = p->getPre();
-    declare(pre->getOriginalName(), l);
-    if (valued(pre)) declare(pre->getOriginalName() + "_locval", type(pre));
-  }
-  out << "signal " << n << "_starter : " << l << ";" << "\n";
-  out << "signal " << n << " : array_" << n << ";" << "\n" << "\n";
 
-  out << "begin" << "\n" << "-- state and output computation" << "\n" << "process (reset,clk)" << "\n"
-      << "begin" << "\n";
+  void resetBranch() {
+    out << "begin" << "\n" << "-- state and output computation" << "\n" << "process (reset,clk)" << "\n"
+        << "begin" << "\n";
 
-  // Reset.
-  out << "  if (reset = '0') then" << "\n";
-  for (regclass* r : registers)
-    out << "      " << wire(r->actual_var()->getOverBddId(this, wood)) << " <= "
-        << (r->is_initialy_true() ? "'1'" : "'0'") << ";" << "\n";
-  for (memorizedSignal* p : pres) {
-    Signal* pre = p->getPre();
-    out << "      " << pre->getOriginalName() << " <= '0';" << "\n";
-    if (valued(pre)) out << "      " << pre->getOriginalName() << "_locval <= " << p->getInitialValue() << ";" << "\n";
+    // Reset.
+    out << "  if (reset = '0') then" << "\n";
+    for (regclass* r : registers)
+      out << "      " << wire(r->actual_var()->getOverBddId(mod, wood)) << " <= "
+          << (r->is_initialy_true() ? "'1'" : "'0'") << ";" << "\n";
+    for (memorizedSignal* p : pres) {
+      Signal* pre = p->getPre();
+      out << "      " << pre->getOriginalName() << " <= '0';" << "\n";
+      if (valued(pre)) out << "      " << pre->getOriginalName() << "_locval <= " << p->getInitialValue() << ";" << "\n";
+    }
+    for (Signal* s : inputs) {
+      out << "      " << input_element(s) << " <= " << "'0';" << "\n";
+      if (valued(s)) out << "      " << s->getOriginalName() << "_locval <= zero_" << type(s) << ";" << "\n";
+    }
+    for (long id = 0; id < nb_vars; ++id)
+      if (equation(id) && item_in(output_names, wire(id))) out << "      " << wire(id) << " <= '0';" << "\n";
+    for (Signal* s : outputs)
+      if (valued(s)) out << "      " << s->getOriginalName() << "_val <= " << zero_vhdl(type(s)) << ";" << "\n";
+    out << "      " << n << "_starter <= '1';" << "\n";
   }
-  for (Signal* s : inputs) {
-    out << "      " << input_element(s) << " <= " << "'0';" << "\n";
-    if (valued(s)) out << "      " << s->getOriginalName() << "_locval <= zero_" << type(s) << ";" << "\n";
-  }
-  const long nb_vars = manager->Nb_bdd_vars;
-  auto equation = [&](long id) { return id < wood->Nb_bdd_vars() ? wood->Exp_table()[id] : nullptr; };
-  for (long id = 0; id < nb_vars; ++id)
-    if (equation(id) && item_in(output_names, wire(id))) out << "      " << wire(id) << " <= '0';" << "\n";
-  for (Signal* s : outputs)
-    if (valued(s)) out << "      " << s->getOriginalName() << "_val <= " << zero_vhdl(type(s)) << ";" << "\n";
-  out << "      " << n << "_starter <= '1';" << "\n";
 
-  // Rising edge.
-  auto sample_inputs = [&]() {
+  void sampleInputs() {
     for (Signal* s : inputs) {
       out << "        " << input_element(s) << " <= " << s->getOriginalName() << ";" << "\n";
       if (valued(s)) out << "        " << s->getOriginalName() << "_locval <= " << s->getOriginalName() << "_val;" << "\n";
     }
-  };
-  out << "  elsif ( clk'event and clk='1') then" << "\n" << "     if(" << n << "_starter = '1') then" << "\n";
-  sample_inputs();
-  out << "        " << n << "_starter <= '0';" << "\n" << "     else" << "\n";
-  for (regclass* r : registers)
-    out << "        " << wire(r->actual_var()->getOverBddId(this, wood)) << " <= "
-        << wire(r->next_var()->getOverBddId(this, wood)) << ";" << "\n";
-  for (memorizedSignal* p : pres) {
-    Signal* pre = p->getPre();
-    Signal* a = p->getActual();
-    std::string r;
-    if (a->isLocal()) {
-      // The presence of a local is its first occurrence, read where the array holds it.
-      r = element(n, var_gid(a->getInitialOverBddId(this, wood)));
-      if (valued(pre)) output_names.push_back(wire(a->getOverBddId(this, wood)));
-    } else if (a->isOutput()) {
-      Bddexpression* e = equation(a->getInitialOverBddId(this, wood));
-      r = e && e->my_bdd_exp().initialised() ? e->my_bdd_exp().vhdl_node_name(n) : a->getOriginalName();
-    } else {
-      // An input is read where it was sampled: its port already holds the next instant.
-      r = input_element(a);
-    }
-    out << "        " << pre->getOriginalName() << " <= " << r << ";" << "\n";
-    if (valued(pre)) {
-      // The value of a local lives under its first occurrence, where it is assigned.
-      const std::string rv = a->isLocal() ? wire(a->getInitialOverBddId(this, wood)) : a->getOriginalName();
-      out << "        " << pre->getOriginalName() << "_locval <= " << rv << "_locval" << ";" << "\n";
-    }
   }
-  sample_inputs();
-  out << "     end if;" << "\n";
 
-  // Falling edge.
-  out << "  elsif ( clk'event and clk='0') then" << "\n" << "     if(" << n << "_starter = '0') then" << "\n";
-  for (long id = 0; id < nb_vars; ++id) {
-    Bddexpression* e = equation(id);
-    if (e && e->my_bdd_exp().initialised() && item_in(output_names, wire(id)))
-      out << "         " << wire(id) << " <= " << e->my_bdd_exp().vhdl_node_name(n) << ";" << "\n";
+  void risingEdge() {
+    // Rising edge.
+    out << "  elsif ( clk'event and clk='1') then" << "\n" << "     if(" << n << "_starter = '1') then" << "\n";
+    sampleInputs();
+    out << "        " << n << "_starter <= '0';" << "\n" << "     else" << "\n";
+    for (regclass* r : registers)
+      out << "        " << wire(r->actual_var()->getOverBddId(mod, wood)) << " <= "
+          << wire(r->next_var()->getOverBddId(mod, wood)) << ";" << "\n";
+    for (memorizedSignal* p : pres) {
+      Signal* pre = p->getPre();
+      Signal* a = p->getActual();
+      std::string r;
+      if (a->isLocal()) {
+        // The presence of a local is its first occurrence, read where the array holds it.
+        r = element(n, var_gid(a->getInitialOverBddId(mod, wood)));
+        if (valued(pre)) output_names.push_back(wire(a->getOverBddId(mod, wood)));
+      } else if (a->isOutput()) {
+        Bddexpression* e = equation(a->getInitialOverBddId(mod, wood));
+        r = e && e->my_bdd_exp().initialised() ? e->my_bdd_exp().vhdl_node_name(n) : a->getOriginalName();
+      } else {
+        // An input is read where it was sampled: its port already holds the next instant.
+        r = input_element(a);
+      }
+      out << "        " << pre->getOriginalName() << " <= " << r << ";" << "\n";
+      if (valued(pre)) {
+        // The value of a local lives under its first occurrence, where it is assigned.
+        const std::string rv = a->isLocal() ? wire(a->getInitialOverBddId(mod, wood)) : a->getOriginalName();
+        out << "        " << pre->getOriginalName() << "_locval <= " << rv << "_locval" << ";" << "\n";
+      }
+    }
+    sampleInputs();
+    out << "     end if;" << "\n";
   }
-  for (Signal* s : outputs)
-    if (valued(s)) out << "         " << s->getOriginalName() << "_val <= " << s->getOriginalName() << "_locval;" << "\n";
-  out << "     end if;" << "\n" << "  end if;" << "\n" << "end process;" << "\n" << "\n";
 
-  // Concurrent part.
-  out << "-- actualisation" << "\n";
-  manager->Bdd_global_clear_marks();
-  for (long id = 0; id < nb_vars; ++id)
-    if (Bddexpression* e = equation(id)) {
-      e->put_vhdl_quarnc(out, n, output_names);
-      out << "\n";
+  void fallingEdge() {
+    // Falling edge.
+    out << "  elsif ( clk'event and clk='0') then" << "\n" << "     if(" << n << "_starter = '0') then" << "\n";
+    for (long id = 0; id < nb_vars; ++id) {
+      Bddexpression* e = equation(id);
+      if (e && e->my_bdd_exp().initialised() && item_in(output_names, wire(id)))
+        out << "         " << wire(id) << " <= " << e->my_bdd_exp().vhdl_node_name(n) << ";" << "\n";
     }
-  for (regclass* r : registers) {
-    const long a = var_gid(r->actual_var()->getInitialOverBddId(this, wood));
-    const long x = var_gid(r->next_var()->getInitialOverBddId(this, wood));
-    out << "      " << wire(r->next_var()->getOverBddId(this, wood)) << " <= " << element(n, x) << ";" << "\n";
-    out << "      " << element(n, a) << " <= " << wire(r->actual_var()->getOverBddId(this, wood)) << ";" << "\n";
+    for (Signal* s : outputs)
+      if (valued(s)) out << "         " << s->getOriginalName() << "_val <= " << s->getOriginalName() << "_locval;" << "\n";
+    out << "     end if;" << "\n" << "  end if;" << "\n" << "end process;" << "\n" << "\n";
   }
-  // A pre signal is read by the equations through its element.
-  for (memorizedSignal* p : pres) {
-    long id = p->getPre()->getOverBddId(this, wood);
-    if (has_id(id)) out << "      " << element(n, var_gid(id)) << " <= " << p->getPre()->getOriginalName() << ";" << "\n";
-  }
-  std::list<Signal*> clocks;
-  for (long id : wood->earliest_sort()) {
-    Bddexpression* e = equation(id);
-    if (!e) continue;
-    const std::string signal_name = getSignalNameById(id, wood);
-    DataBinding* b = getBinding(signal_name);
-    if (e->getAbstraction()) {
-      if (!b) {
-        std::cerr << "***error: abstract equation without bindind for:" << signal_name << std::endl;
-        exit(1);
+
+  void concurrent() {
+    // Concurrent part.
+    out << "-- actualisation" << "\n";
+    manager->Bdd_global_clear_marks();
+    for (long id = 0; id < nb_vars; ++id)
+      if (Bddexpression* e = equation(id)) {
+        e->put_vhdl_quarnc(out, n, output_names);
+        out << "\n";
       }
-      out << "      " << element(n, e->my_bdd_var().node()->global_id()) << " <= ";
-      b->getValue()->VHDL_put(out, this);
-      out << ";" << "\n";
-    } else if (b && b->getClock()) {
-      bool known = false;
-      for (Signal* c : clocks) known = known || c == b->getClock();
-      if (!known) clocks.push_back(b->getClock());
+    for (regclass* r : registers) {
+      const long a = var_gid(r->actual_var()->getInitialOverBddId(mod, wood));
+      const long x = var_gid(r->next_var()->getInitialOverBddId(mod, wood));
+      out << "      " << wire(r->next_var()->getOverBddId(mod, wood)) << " <= " << element(n, x) << ";" << "\n";
+      out << "      " << element(n, a) << " <= " << wire(r->actual_var()->getOverBddId(mod, wood)) << ";" << "\n";
     }
-  }
-  for (Signal* s : clocks) {
-    out << "      " << wire(s->getInitialOverBddId(this, wood)) << "_locval <=" << "\n";
-    std::list<DataBinding*>* bindings = getDataBindingByClock(s);
-    if (bindings)
-      for (DataBinding* b : *bindings) {
-        out << "         ";
-        b->getValue()->VHDL_put(out, this);
-        out << " when (" << element(n, var_gid(b->getSignal()->getInitialOverBddId(this, wood))) << " = '1') else"
-            << "\n";
+    // A pre signal is read by the equations through its element.
+    for (memorizedSignal* p : pres) {
+      long id = p->getPre()->getOverBddId(mod, wood);
+      if (has_id(id)) out << "      " << element(n, var_gid(id)) << " <= " << p->getPre()->getOriginalName() << ";" << "\n";
+    }
+    std::list<Signal*> clocks;
+    for (long id : wood->earliest_sort()) {
+      Bddexpression* e = equation(id);
+      if (!e) continue;
+      const std::string signal_name = mod->getSignalNameById(id, wood);
+      DataBinding* b = mod->getBinding(signal_name);
+      if (e->getAbstraction()) {
+        if (!b) {
+          std::cerr << "***error: abstract equation without bindind for:" << signal_name << std::endl;
+          exit(1);
+        }
+        out << "      " << element(n, e->my_bdd_var().node()->global_id()) << " <= ";
+        b->getValue()->VHDL_put(out, mod);
+        out << ";" << "\n";
+      } else if (b && b->getClock()) {
+        bool known = false;
+        for (Signal* c : clocks) known = known || c == b->getClock();
+        if (!known) clocks.push_back(b->getClock());
       }
-    delete bindings;
-    out << "           " << zero_vhdl(s->getValueType(this)) << ";" << "\n";
+    }
+    for (Signal* s : clocks) {
+      out << "      " << wire(s->getInitialOverBddId(mod, wood)) << "_locval <=" << "\n";
+      std::list<DataBinding*>* bindings = mod->getDataBindingByClock(s);
+      if (bindings)
+        for (DataBinding* b : *bindings) {
+          out << "         ";
+          b->getValue()->VHDL_put(out, mod);
+          out << " when (" << element(n, var_gid(b->getSignal()->getInitialOverBddId(mod, wood))) << " = '1') else"
+              << "\n";
+        }
+      delete bindings;
+      out << "           " << zero_vhdl(s->getValueType(mod)) << ";" << "\n";
+    }
+    out << "end " << m << "_a;" << "\n" << "\n";
   }
-  out << "end " << m << "_a;" << "\n" << "\n";
+};
+
+}  // namespace
+
+void Module::VHDL_put(std::ostream& out, std::istream& libs, int altera) {
+  if (!getBddWood()) return;
+  VhdlWriter w(this, out, altera);
+  w.heading(libs);
+  w.entity();
+  w.declarations();
+  w.resetBranch();
+  w.risingEdge();
+  w.fallingEdge();
+  w.concurrent();
 }
 
 void Module::printVHDL() {
