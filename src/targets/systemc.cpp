@@ -13,9 +13,11 @@
 #include "signals/signal_manager.h"
 #include "targets/formats.h"
 
-void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
-  const std::string& m = name;
-  const std::string n = m + "_node";
+namespace {
+
+// The heads of both files, and the user's types, methods and constants: a constant with
+// a value table goes to the code, every other declaration to the header.
+void systemcOpening(std::ostream& code, std::ostream& header, Module* mod, const std::string& m) {
   code << "#include \"" << m << "_sc.h\"" << "\n" << "#define false 0" << "\n" << "#define true (!false)" << "\n"
        << "\n";
   header << "#ifndef " << m << "_H" << "\n" << "#define " << m << "_H" << "\n";
@@ -35,9 +37,56 @@ void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
     for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) {
       std::cerr << c->getName() << "\n";
       std::ostream& out = c->getValueTable() ? code : header;
-      c->C_put(out, this);
+      c->C_put(out, mod);
       out << "\n";
     }
+}
+
+// The step's data: the values of unclocked bindings before the equations, then each
+// clocked output's value after them, chosen by the first of its bindings that is present.
+void systemcData(std::ostream& code, Module* mod, Bddexpressionwood* wood, const std::string& n,
+                 std::list<std::string>& pointer_wires) {
+  auto wire = [&](long id) { return wood->Name_var_by_index(id); };
+  code << "//Data Handling" << "\n" << "//-------------" << "\n";
+  std::vector<Signal*> clocks;
+  std::map<Signal*, std::vector<DataBinding*>> by_clock;
+  for (auto& [key, b] : *mod->getDataTable()) {
+    Signal* c = b->getClock();
+    if (!c) {
+      // The equations read the over wire of the bound signal.
+      code << wire(b->getSignal()->getOverBddId(mod, wood)) << " = ";
+      b->getValue()->C_put(code, mod);
+      code << ";" << "\n";
+      continue;
+    }
+    if (!by_clock.count(c)) clocks.push_back(c);
+    by_clock[c].push_back(b);
+  }
+  code << "  " << "/* outputs computing */" << "\n";
+  wood->Put_c(code, n, pointer_wires);
+  for (Signal* c : clocks) {
+    const std::string s = c->isOutput() ? "*" : "";
+    const std::string w = wire(c->getInitialOverBddId(mod, wood));
+    code << "if (" << s << w << ")  {" << "\n";
+    bool first_binding = true;
+    for (DataBinding* b : by_clock[c]) {
+      if (!first_binding) code << "   else";
+      first_binding = false;
+      code << "  if (" << wire(b->getSignal()->getOverBddId(mod, wood)) << ") {" << s << w << "_val = ";
+      b->getValue()->C_put(code, mod);
+      code << ";}" << "\n";
+    }
+    const std::string t = c->getValueType(mod);
+    code << "   else { " << s << w << "_val = " << "zero_" << t << ";}" << "\n" << "}" << "\n";
+  }
+}
+
+}  // namespace
+
+void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
+  const std::string& m = name;
+  const std::string n = m + "_node";
+  systemcOpening(code, header, this, m);
 
   Bddexpressionwood* wood = getBddWood();
   if (!wood) {
@@ -124,38 +173,7 @@ void Module::SYSTEMC_put(std::ostream& code, std::ostream& header) {
   if (!dataTable) {
     wood->Put_c(code, n, pointer_wires);
   } else {
-    code << "//Data Handling" << "\n" << "//-------------" << "\n";
-    std::vector<Signal*> clocks;
-    std::map<Signal*, std::vector<DataBinding*>> by_clock;
-    for (auto& [key, b] : *dataTable) {
-      Signal* c = b->getClock();
-      if (!c) {
-        // The equations read the over wire of the bound signal.
-        code << wire(b->getSignal()->getOverBddId(this, wood)) << " = ";
-        b->getValue()->C_put(code, this);
-        code << ";" << "\n";
-        continue;
-      }
-      if (!by_clock.count(c)) clocks.push_back(c);
-      by_clock[c].push_back(b);
-    }
-    code << "  " << "/* outputs computing */" << "\n";
-    wood->Put_c(code, n, pointer_wires);
-    for (Signal* c : clocks) {
-      const std::string s = c->isOutput() ? "*" : "";
-      const std::string w = wire(c->getInitialOverBddId(this, wood));
-      code << "if (" << s << w << ")  {" << "\n";
-      bool first_binding = true;
-      for (DataBinding* b : by_clock[c]) {
-        if (!first_binding) code << "   else";
-        first_binding = false;
-        code << "  if (" << wire(b->getSignal()->getOverBddId(this, wood)) << ") {" << s << w << "_val = ";
-        b->getValue()->C_put(code, this);
-        code << ";}" << "\n";
-      }
-      const std::string t = c->getValueType(this);
-      code << "   else { " << s << w << "_val = " << "zero_" << t << ";}" << "\n" << "}" << "\n";
-    }
+    systemcData(code, this, wood, n, pointer_wires);
   }
 
   if (!registers.empty()) {
