@@ -86,7 +86,8 @@ void bddpp_manager::Print_node_for_eval(const std::string& or_op, const std::str
 void Bddexpression::put_csharp(std::ostream& out, const std::string& node_array, int indent) {
   if (!variable.initialised() || !right.initialised()) return;
   bddpp_manager* manager = right.manager_ref();
-  const std::string p(indent, ' ');
+  // An indentation of 0 stands for two blanks.
+  const std::string p(indent ? indent : 2, ' ');
   const std::string w = manager->Name_var_by_bdd(variable);
   if (manager->Bdd_is_var(right)) {
     out << p << w << "= " << manager->Name_var_by_bdd(right) << ";";
