@@ -56,6 +56,18 @@ bool waitFor(int fd, short events, const char* what) {
   }
 }
 
+// A stream socket, and addr set to the family and the port; -1 with a message on failure.
+int streamSocket(sockaddr_in& addr, int port) {
+  int fd = socket(AF_INET, SOCK_STREAM, 0);
+  if (fd < 0) {
+    error("cannot create socket");
+    return -1;
+  }
+  addr.sin_family = AF_INET;
+  addr.sin_port = htons(static_cast<uint16_t>(port));
+  return fd;
+}
+
 void recordPeer(socket_type* s, const sockaddr_in& peer) {
   std::free(s->hostname);
   std::free(s->hostaddress);
@@ -87,14 +99,9 @@ socket_type* SOCK_make_client(const char* host, int port) {
     error(text.c_str());
     return nullptr;
   }
-  int fd = socket(AF_INET, SOCK_STREAM, 0);
-  if (fd < 0) {
-    error("cannot create socket");
-    return nullptr;
-  }
   sockaddr_in addr{};
-  addr.sin_family = AF_INET;
-  addr.sin_port = htons(static_cast<uint16_t>(port));
+  int fd = streamSocket(addr, port);
+  if (fd < 0) return nullptr;
   std::memcpy(&addr.sin_addr, h->h_addr_list[0], sizeof(addr.sin_addr));
   // A connect that the peer neither accepts nor refuses ends with the layer's timeout.
   int flags = fcntl(fd, F_GETFL, 0);
@@ -122,15 +129,10 @@ socket_type* SOCK_make_client(const char* host, int port) {
 }
 
 socket_type* SOCK_make_server(int port) {
-  int fd = socket(AF_INET, SOCK_STREAM, 0);
-  if (fd < 0) {
-    error("cannot create socket");
-    return nullptr;
-  }
   sockaddr_in addr{};
-  addr.sin_family = AF_INET;
+  int fd = streamSocket(addr, port);
+  if (fd < 0) return nullptr;
   addr.sin_addr.s_addr = htonl(INADDR_ANY);
-  addr.sin_port = htons(static_cast<uint16_t>(port));
   socklen_t len = sizeof(addr);
   if (bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof(addr)) < 0) {
     std::string text = "Cannot create socket: port " + std::to_string(port) + ": " + std::strerror(errno);

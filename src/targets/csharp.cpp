@@ -86,7 +86,8 @@ void bddpp_manager::Print_node_for_eval(const std::string& or_op, const std::str
 void Bddexpression::put_csharp(std::ostream& out, const std::string& node_array, int indent) {
   if (!variable.initialised() || !right.initialised()) return;
   bddpp_manager* manager = right.manager_ref();
-  const std::string p(indent, ' ');
+  // An indentation of 0 stands for two blanks.
+  const std::string p(indent ? indent : 2, ' ');
   const std::string w = manager->Name_var_by_bdd(variable);
   if (manager->Bdd_is_var(right)) {
     out << p << w << "= " << manager->Name_var_by_bdd(right) << ";";
@@ -101,16 +102,14 @@ void Module::CSharp_put_equation(std::ostream& out, const std::string& node_arra
   Bddexpressionwood* wood = getBddWood();
   if (!wood) return;
   wood->my_bdd_manager()->Bdd_global_clear_marks();
-  for (long id : wood->earliest_sort()) {
-    Bddexpression* e = wood->exp_by_index(id);
-    if (!e) continue;
-    SignalRef* ref = signalManager->getSignalRefById(id, wood);
-    const std::string signal_name = ref ? ref->getCurrentName() : e->my_bddname();
-    DataBinding* b = ref ? getBinding(signal_name) : nullptr;
+  for (const SortedEquation& q : sorted_equations(*this, wood)) {
+    Bddexpression* e = q.exp;
+    const std::string& signal_name = q.signal_name;
+    DataBinding* b = q.binding;
     if (e->getAbstraction()) {
       out << std::string(indent, ' ');
       if (!b) {
-        std::cerr << "***error: abstract equation without bindind for:" << signal_name << std::endl;
+        report_unbound_abstraction(signal_name);
         // The class lacks this value: the C# compiler must refuse it.
         out << "#error abstract equation without binding for: " << signal_name << "\n";
         continue;

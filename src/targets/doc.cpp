@@ -13,32 +13,6 @@ namespace {
 
 bool has_id(long id) { return id >= 0; }
 
-// The node lines of the model-checker form, "P B_n:= ...;", children first, each node
-// once until the marks are cleared.
-void put_model_nodes(bddpp_manager* manager, const std::string& var_prefix, const std::string& var_suffix,
-                     const std::string& line_prefix, const std::string& base, std::ostream& out, bdd_node* n,
-                     bdd_node* terminal) {
-  if (!n || n->mark) return;
-  n->mark = 1;
-  const std::string node = base + "_" + std::to_string(n->global_id());
-  if (n == terminal) {
-    out << line_prefix << node << ":= " << "TRUE" << ";" << "\n";
-    return;
-  }
-  const std::string name = var_prefix + manager->Name_var_by_id(n->var_id) + var_suffix;
-  if (n->then_node == terminal && n->else_node == terminal && n->else_link_type == -1) {
-    out << line_prefix << node << ":= " << name << ";" << "\n";
-    return;
-  }
-  put_model_nodes(manager, var_prefix, var_suffix, line_prefix, base, out, n->then_node, terminal);
-  put_model_nodes(manager, var_prefix, var_suffix, line_prefix, base, out, n->else_node, terminal);
-  out << line_prefix << node << ":= " << name << " & " << base << "_" << n->then_node->global_id();
-  if (n->else_node)
-    out << " | " << "!" << name << " & " << (n->else_link_type == 1 ? "" : "!") << base << "_"
-        << n->else_node->global_id();
-  out << ";" << "\n";
-}
-
 }  // namespace
 
 void Bddexpression::put_doc(std::ostream& out, const std::string& node_base) {
@@ -57,7 +31,7 @@ void Bddexpression::put_doc(std::ostream& out, const std::string& node_base) {
   } else if (manager->Bdd_is_var(right)) {
     out << left << "= " << manager->Name_var_by_bdd(right) << ";";
   } else {
-    put_model_nodes(manager, "", "", "   ", node_base, out, right.node(), manager->Bdd_one().node());
+    manager->Print_node_for_eval_NUSMV("", "", "   ", node_base, out, right.node());
     out << left << (right.link_type() == 1 ? "= " : "= !") << node_base << "_" << right.node()->global_id();
   }
 }

@@ -11,6 +11,7 @@
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
+#include "targets/formats.h"
 
 namespace {
 
@@ -28,15 +29,13 @@ void Module::ESTEREL_put_equation(std::ostream& out, const std::string&, std::li
     if (!first) out << "    ||" << "\n";
     first = false;
   };
-  for (long id : wood->earliest_sort()) {
-    Bddexpression* e = wood->exp_by_index(id);
-    if (!e) continue;
-    SignalRef* ref = signalManager->getSignalRefById(id, wood);
-    const std::string signal_name = ref ? ref->getCurrentName() : e->my_bddname();
-    DataBinding* b = ref ? getBinding(signal_name) : nullptr;
+  for (const SortedEquation& q : sorted_equations(*this, wood)) {
+    Bddexpression* e = q.exp;
+    SignalRef* ref = q.ref;
+    DataBinding* b = q.binding;
     if (e->getAbstraction()) {
       if (!b) {
-        std::cerr << "***error: abstract equation without bindind for:" << signal_name << std::endl;
+        report_unbound_abstraction(q.signal_name);
         exit(1);
       }
       // The signal is present when its data test holds.

@@ -7,9 +7,14 @@
 #include <iosfwd>
 #include <list>
 #include <string>
+#include <vector>
 
 class Module;
 class Signal;
+class SignalRef;
+class DataBinding;
+class Bddexpression;
+class Bddexpressionwood;
 class bdd;
 struct bdd_node;
 
@@ -41,6 +46,20 @@ void print_nodes(std::ostream& out, bdd_node* n, bdd_node* terminal, const NodeS
 // Visits every unmarked node under n once, children before parents, marking it: the walk
 // of targets whose node lines have their own shape (netlists, hardware processes).
 void walk_nodes(bdd_node* n, const std::function<void(bdd_node*)>& visit);
+
+// One equation of a step in the order the writers take them (earliest_sort): its signal
+// reference (null for a wire of no signal), the name the binding table knows it by, and
+// the binding under that name, if any.
+struct SortedEquation {
+  long id;
+  Bddexpression* exp;
+  SignalRef* ref;
+  std::string signal_name;
+  DataBinding* binding;
+};
+std::vector<SortedEquation> sorted_equations(Module& m, Bddexpressionwood* wood);
+// "***error: abstract equation without bindind for:" and the name on the error stream.
+void report_unbound_abstraction(const std::string& signal_name);
 
 bool item_in(std::list<std::string>& list, const std::string& item);
 

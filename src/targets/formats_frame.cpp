@@ -11,6 +11,22 @@
 #include "util/report.h"
 #include "targets/formats.h"
 
+std::vector<SortedEquation> sorted_equations(Module& m, Bddexpressionwood* wood) {
+  std::vector<SortedEquation> sorted;
+  for (long id : wood->earliest_sort()) {
+    Bddexpression* e = wood->exp_by_index(id);
+    if (!e) continue;
+    SignalRef* ref = m.getSignalManager()->getSignalRefById(id, wood);
+    const std::string name = ref ? ref->getCurrentName() : e->my_bddname();
+    sorted.push_back({id, e, ref, name, ref ? m.getBinding(name) : nullptr});
+  }
+  return sorted;
+}
+
+void report_unbound_abstraction(const std::string& signal_name) {
+  std::cerr << "***error: abstract equation without bindind for:" << signal_name << std::endl;
+}
+
 std::string target_file_name(const std::string& module, const std::string& output_file,
                              const std::string& ext) {
   if (output_file.empty()) return module + ext;

@@ -12,6 +12,7 @@
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
+#include "targets/formats.h"
 
 namespace {
 
@@ -123,15 +124,12 @@ void Module::LUSTRE_put_equation(std::ostream& out, const std::string& node_base
   if (!wood) return;
   wood->my_bdd_manager()->Bdd_global_clear_marks();
   std::set<Signal*, ByInternalName> clocks;
-  for (long id : wood->earliest_sort()) {
-    Bddexpression* e = wood->exp_by_index(id);
-    if (!e) continue;
-    SignalRef* ref = signalManager->getSignalRefById(id, wood);
-    const std::string signal_name = ref ? ref->getCurrentName() : e->my_bddname();
-    DataBinding* b = ref ? getBinding(signal_name) : nullptr;
+  for (const SortedEquation& q : sorted_equations(*this, wood)) {
+    Bddexpression* e = q.exp;
+    DataBinding* b = q.binding;
     if (e->getAbstraction()) {
       if (!b) {
-        std::cerr << "***error: abstract equation without bindind for:" << signal_name << std::endl;
+        report_unbound_abstraction(q.signal_name);
         exit(1);
       }
       out << "  " << e->my_bddname() << " = ";

@@ -49,10 +49,7 @@ is_output() { local o; for o in "${outputs[@]}"; do [ "$o" = "$1" ] && return 0;
   echo "  initial begin"
   echo "    #1;"
   n=0
-  while IFS= read -r line || [ -n "$line" ]; do
-    line=${line%%#*}
-    [ -n "$(echo "$line" | tr -d ' \t')" ] || continue
-    case "$line" in */*) ;; *) echo "blif: trace line without '/': $line" >&2; exit 1 ;; esac
+  while IFS= read -r line; do
     n=$((n + 1))
     for i in "${inputs[@]}"; do echo "    $i = 0;"; done
     for w in ${line%%/*}; do
@@ -71,7 +68,7 @@ is_output() { local o; for o in "${outputs[@]}"; do [ "$o" = "$1" ] && return 0;
     done
     echo "    \$write(\"\\n\");"
     echo "    clock = 1; #1; clock = 0; #1;"
-  done < "$trace"
+  done < <(trace_reactions "$trace")
   echo "    \$finish;"
   echo "  end"
   echo "endmodule"

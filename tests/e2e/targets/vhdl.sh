@@ -58,10 +58,7 @@ image() {   # VHDL expression printing the value of a port
   echo "    tb_reset <= '0'; tb_clk <= '0'; wait for 5 ns;"
   echo "    tb_reset <= '1'; wait for 5 ns;"
   n=0
-  while IFS= read -r line || [ -n "$line" ]; do
-    line=${line%%#*}
-    [ -n "$(echo "$line" | tr -d ' \t')" ] || continue
-    case "$line" in */*) ;; *) echo "vhdl: line without '/': $line" >&2; exit 1 ;; esac
+  while IFS= read -r line; do
     n=$((n + 1))
     for p in "${order[@]}"; do
       [ "${mode[$p]}" = in ] && [ "$p" != reset ] && [ "$p" != clk ] && echo "    tb_$p <= $(zero_of "${type[$p]}");"
@@ -89,7 +86,7 @@ image() {   # VHDL expression printing the value of a port
       echo "    elsif tb_$p /= '0' then write(l, string'(\" $p?\")); end if;"
     done
     echo "    writeline(output, l);"
-  done < "$trace"
+  done < <(trace_reactions "$trace")
   echo "    wait;"
   echo "  end process;"
   echo "end bench;"
