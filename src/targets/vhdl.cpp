@@ -1,6 +1,7 @@
 // The VHDL target: one entity and one architecture per module. A step takes one period
 // of clk: inputs are sampled and the state refreshed on the rising edge, the node array
 // settles between the edges, outputs are taken from it on the falling edge.
+#include <cctype>
 #include <fstream>
 #include <iostream>
 #include <set>
@@ -85,6 +86,24 @@ void Bddexpression::put_vhdl_quarnc(std::ostream& out, const std::string& node_a
 
 namespace {
 
+// A source name that is a reserved word of VHDL is written as an extended identifier.
+std::string vhdl_name(const std::string& name) {
+  static const std::set<std::string> reserved = {
+      "abs", "access", "after", "alias", "all", "and", "architecture", "array", "assert", "attribute",
+      "begin", "block", "body", "buffer", "bus", "case", "component", "configuration", "constant",
+      "disconnect", "downto", "else", "elsif", "end", "entity", "exit", "file", "for", "function",
+      "generate", "generic", "group", "guarded", "if", "impure", "in", "inertial", "inout", "is",
+      "label", "library", "linkage", "literal", "loop", "map", "mod", "nand", "new", "next", "nor",
+      "not", "null", "of", "on", "open", "or", "others", "out", "package", "port", "postponed",
+      "procedure", "process", "pure", "range", "record", "register", "reject", "rem", "report",
+      "return", "rol", "ror", "select", "severity", "signal", "shared", "sla", "sll", "sra", "srl",
+      "subtype", "then", "to", "transport", "type", "unaffected", "units", "until", "use",
+      "variable", "wait", "when", "while", "with", "xnor", "xor"};
+  std::string lower = name;
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return reserved.count(lower) ? "\\" + name + "\\" : name;
+}
+
 // Writes a module as one VHDL entity and its architecture, phase by phase: the heading
 // and libraries, the entity, the declarations, the clocked process (reset, rising edge,
 // falling edge) and the concurrent assignments.
@@ -143,7 +162,7 @@ struct VhdlWriter {
       out << "       s_RESET" << m << " : in " << l << ";" << "\n";
     }
     for (Signal* s : inputs) {
-      out << "       " << s->getOriginalName() << " : in " << l << ";" << "\n";
+      out << "       " << vhdl_name(s->getOriginalName()) << " : in " << l << ";" << "\n";
       long under = s->getUnderBddId(mod, wood);
       if (!mod->getFinalised() && has_id(under)) out << "       " << wire(under) << " : in " << l << ";" << "\n";
       if (valued(s)) out << "       " << s->getOriginalName() << "_val : in " << type(s) << ";" << "\n";
@@ -153,7 +172,7 @@ struct VhdlWriter {
         << "\n";
     std::list<std::string> ports;
     for (Signal* s : outputs) {
-      ports.push_back("       " + s->getOriginalName() + " : out " + l);
+      ports.push_back("       " + vhdl_name(s->getOriginalName()) + " : out " + l);
       long under = s->getInitialUnderBddId(mod, wood);
       if (!mod->getFinalised() && has_id(under)) ports.push_back("       " + wire(under) + " : out " + l);
       if (valued(s)) ports.push_back("       " + s->getOriginalName() + "_val : out " + type(s));
@@ -192,7 +211,7 @@ struct VhdlWriter {
       if (valued(s)) declare(wire(s->getInitialOverBddId(mod, wood)) + "_locval", type(s));
     for (memorizedSignal* p : pres) {
       Signal* pre = p->getPre();
-      declare(pre->getOriginalName(), l);
+      declare(vhdl_name(pre->getOriginalName()), l);
       if (valued(pre)) declare(pre->getOriginalName() + "_locval", type(pre));
     }
     out << "signal " << n << "_starter : " << l << ";" << "\n";
@@ -210,7 +229,7 @@ struct VhdlWriter {
           << (r->is_initialy_true() ? "'1'" : "'0'") << ";" << "\n";
     for (memorizedSignal* p : pres) {
       Signal* pre = p->getPre();
-      out << "      " << pre->getOriginalName() << " <= '0';" << "\n";
+      out << "      " << vhdl_name(pre->getOriginalName()) << " <= '0';" << "\n";
       if (valued(pre)) out << "      " << pre->getOriginalName() << "_locval <= " << p->getInitialValue() << ";" << "\n";
     }
     for (Signal* s : inputs) {
@@ -218,7 +237,7 @@ struct VhdlWriter {
       if (valued(s)) out << "      " << s->getOriginalName() << "_locval <= zero_" << type(s) << ";" << "\n";
     }
     for (long id = 0; id < nb_vars; ++id)
-      if (equation(id) && item_in(output_names, wire(id))) out << "      " << wire(id) << " <= '0';" << "\n";
+      if (equation(id) && item_in(output_names, wire(id))) out << "      " << vhdl_name(wire(id)) << " <= '0';" << "\n";
     for (Signal* s : outputs)
       if (valued(s)) out << "      " << s->getOriginalName() << "_val <= " << zero_vhdl(type(s)) << ";" << "\n";
     out << "      " << n << "_starter <= '1';" << "\n";
@@ -226,7 +245,7 @@ struct VhdlWriter {
 
   void sampleInputs() {
     for (Signal* s : inputs) {
-      out << "        " << input_element(s) << " <= " << s->getOriginalName() << ";" << "\n";
+      out << "        " << input_element(s) << " <= " << vhdl_name(s->getOriginalName()) << ";" << "\n";
       if (valued(s)) out << "        " << s->getOriginalName() << "_locval <= " << s->getOriginalName() << "_val;" << "\n";
     }
   }
@@ -249,12 +268,12 @@ struct VhdlWriter {
         if (valued(pre)) output_names.push_back(wire(a->getOverBddId(mod, wood)));
       } else if (a->isOutput()) {
         Bddexpression* e = equation(a->getInitialOverBddId(mod, wood));
-        r = e && e->my_bdd_exp().initialised() ? e->my_bdd_exp().vhdl_node_name(n) : a->getOriginalName();
+        r = e && e->my_bdd_exp().initialised() ? e->my_bdd_exp().vhdl_node_name(n) : vhdl_name(a->getOriginalName());
       } else {
         // An input is read where it was sampled: its port already holds the next instant.
         r = input_element(a);
       }
-      out << "        " << pre->getOriginalName() << " <= " << r << ";" << "\n";
+      out << "        " << vhdl_name(pre->getOriginalName()) << " <= " << r << ";" << "\n";
       if (valued(pre)) {
         // The value of a local lives under its first occurrence, where it is assigned.
         const std::string rv = a->isLocal() ? wire(a->getInitialOverBddId(mod, wood)) : a->getOriginalName();
@@ -271,7 +290,7 @@ struct VhdlWriter {
     for (long id = 0; id < nb_vars; ++id) {
       Bddexpression* e = equation(id);
       if (e && e->my_bdd_exp().initialised() && item_in(output_names, wire(id)))
-        out << "         " << wire(id) << " <= " << e->my_bdd_exp().vhdl_node_name(n) << ";" << "\n";
+        out << "         " << vhdl_name(wire(id)) << " <= " << e->my_bdd_exp().vhdl_node_name(n) << ";" << "\n";
     }
     for (Signal* s : outputs)
       if (valued(s)) out << "         " << s->getOriginalName() << "_val <= " << s->getOriginalName() << "_locval;" << "\n";
@@ -296,7 +315,7 @@ struct VhdlWriter {
     // A pre signal is read by the equations through its element.
     for (memorizedSignal* p : pres) {
       long id = p->getPre()->getOverBddId(mod, wood);
-      if (has_id(id)) out << "      " << element(n, var_gid(id)) << " <= " << p->getPre()->getOriginalName() << ";" << "\n";
+      if (has_id(id)) out << "      " << element(n, var_gid(id)) << " <= " << vhdl_name(p->getPre()->getOriginalName()) << ";" << "\n";
     }
     std::list<Signal*> clocks;
     for (long id : wood->earliest_sort()) {

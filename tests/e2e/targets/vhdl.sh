@@ -16,13 +16,16 @@ vhd=$m.vhd
 [ -f "$vhd" ] || { echo "vhdl: $vhd missing" >&2; exit 1; }
 
 # Ports: "name mode type" lines of the entity.
-ports=$(awk '/^entity /{e=1} e && /^ *[A-Za-z0-9_]+ : (in|out) /{ sub(/;$/, ""); print $1, $3, $4 } /^end /{e=0}' "$vhd")
+# A reserved word of VHDL stands as an extended identifier (\TO\): the bench names it without
+# the backslashes and maps the port by its written form.
+ports=$(awk '/^entity /{e=1} e && /^ *\\?[A-Za-z0-9_]+\\? : (in|out) /{ sub(/;$/, ""); print $1, $3, $4 } /^end /{e=0}' "$vhd")
 [ -n "$ports" ] || { echo "vhdl: no ports in $vhd" >&2; exit 1; }
 
-declare -A mode=() type=()
+declare -A mode=() type=() formal=()
 declare -a order=()
 while read -r name md ty; do
-  mode[$name]=$md; type[$name]=$ty; order+=("$name")
+  key=${name//\\/}
+  mode[$key]=$md; type[$key]=$ty; formal[$key]=$name; order+=("$key")
 done <<< "$ports"
 
 vname() { echo "${1//__/_X_}"; }   # the generated file's form of a source name
@@ -50,7 +53,7 @@ image() {   # VHDL expression printing the value of a port
   echo "begin"
   echo "  dut: entity work.$m port map ("
   sep=""
-  for p in "${order[@]}"; do printf '%s    %s => tb_%s' "$sep" "$p" "$p"; sep=$',\n'; done
+  for p in "${order[@]}"; do printf '%s    %s => tb_%s' "$sep" "${formal[$p]}" "$p"; sep=$',\n'; done
   echo ");"
   echo "  process"
   echo "    variable l : line;"
