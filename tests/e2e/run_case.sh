@@ -8,7 +8,8 @@ case_dir=$(dirname "$case_file")
 case_name=$(basename "$case_file" .run)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-cp -r "$case_dir"/. "$work"/
+# -L: a file shared with another case directory is a link to it.
+cp -rL "$case_dir"/. "$work"/
 # Scripts shared by the cases (trace.sh) are reached through $E2E.
 export E2E=$(cd "$(dirname "$0")" && pwd)
 cd "$work" || exit 2

@@ -20,7 +20,7 @@ while IFS= read -r run; do
   set -- ${then#*trace.sh\"}
   module=$1 trace=$2
   dir=$work/$(echo "${run#$e2e/}" | tr '/' '_')
-  mkdir -p "$dir" && cp -r "$(dirname "$run")"/. "$dir"/
+  mkdir -p "$dir" && cp -rL "$(dirname "$run")"/. "$dir"/
   if ! (cd "$dir" && eval "\"$quarnc\" $args" > /dev/null 2>&1 && bash "$e2e/trace.sh" "$module" "$trace" > /dev/null 2>&1); then
     echo "memory: ${run#$e2e/} does not build its trace"; status=1; continue
   fi
