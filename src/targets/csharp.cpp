@@ -137,9 +137,10 @@ void Module::CSharp_put_equation(std::ostream& out, const std::string& node_arra
   }
 }
 
-void Module::CSharp_put(std::ostream& out) {
-  const std::string& m = name;
-  const std::string n = m + "_node";
+namespace {
+
+// The usings, the class head, the zero fields and the constants.
+void csharpHeading(std::ostream& out, Module* mod, const std::string& m) {
   out << " using System; " << "\n" << " using WComp.Beans; " << "\n" << " using System.Collections.Generic; "
       << "\n" << " using System.Threading; " << "\n" << "using WComp.Util;" << "\n" << "\n";
   out << " namespace GenEntree" << "\n" << " " << "{" << "\n";
@@ -157,9 +158,81 @@ void Module::CSharp_put(std::ostream& out) {
   if (Compilation::GDataConstantTable && Compilation::GDataConstantTable->getConstantList())
     for (ConstantDecl* c : *Compilation::GDataConstantTable->getConstantList()) {
       out << "        ";
-      c->CSharp_put(out, this);
+      c->CSharp_put(out, mod);
       out << "\n";
     }
+}
+
+// The values of the outputs, by their clocks: the first binding present gives the value.
+void csharpClockedValues(std::ostream& out, Module* mod, Bddexpressionwood* wood) {
+  auto wire = [&](long id) { return wood->Name_var_by_index(id); };
+  // Values of the outputs, by their clocks.
+  std::map<std::string, std::pair<Signal*, std::vector<DataBinding*>>> clocked;
+  if (std::map<std::string, DataBinding*>* dataTable = mod->getDataTable())
+    for (auto& [key, b] : *dataTable) {
+      Signal* c = b->getClock();
+      if (!c || !c->isOutput()) continue;
+      auto& entry = clocked[c->getInternalName()];
+      entry.first = c;
+      entry.second.push_back(b);
+    }
+  for (auto& [x, entry] : clocked) {
+    out << "           if (" << x << ")" << "\n" << "              {" << "\n";
+    bool first = true;
+    for (DataBinding* b : entry.second) {
+      out << (first ? "                  " : "                  else");
+      first = false;
+      out << " if (" << wire(b->getSignal()->getOverBddId(mod, wood)) << ") {" << x << "_val = ";
+      b->getValue()->CSharp_put(out, mod);
+      out << ";}" << "\n";
+    }
+    out << "                else { " << x << "_val = " << "zero_" << entry.first->getValueType(mod) << ";}" << "\n"
+        << "              }" << "\n";
+  }
+}
+
+// The output events, serialised and fired, and the delegate that fires them.
+void csharpOutputEvents(std::ostream& out, Module* mod, Bddexpressionwood* wood, const std::list<Signal*>& outputs) {
+  // Output events.
+  out << "            /*-----------------------partie evt/outputs_signals-----------------------------------------*/"
+      << "\n";
+  out << "           List<MyEvent> outputEvts = new List<MyEvent>(255);   " << "\n";
+  int c = 0;
+  for (Signal* s : outputs) {
+    if (!has_id(s->getOverBddId(mod, wood)) || s->isValue()) continue;
+    const std::string x = s->getInternalName();
+    if (s->isValued(mod))
+      out << "           MyEvent evt" << c << "= new MyEvent( " << "\"" << x << "\"" << "," << "\""
+          << s->getValueType(mod) << "\"" << "," << " Convert.ToString(" << x << "_val)" << ","
+          << "Convert.ToString(" << x << "));" << "\n";
+    else
+      out << "            MyEvent evt" << c << " = new MyEvent( " << "\"" << x << "\"" << ","
+          << " Convert.ToString(" << x << "));" << "\n";
+    out << "            outputEvts.Add(evt" << c << ");" << "\n";
+    c++;
+  }
+  if (!outputs.empty())
+    out << "            string format =" << "\"" << "\"" << ";" << "\n"
+        << "            format = GA.serialize(outputEvts);" << "\n"
+        << "            FiresendEvent(format);" << "\n";
+  out << "        }" << "\n";
+
+  out << "        /*-----------Delegate Methods & Events-------------------*/" << "\n" << "\n";
+  out << "        public delegate void StringValueEventHandler(string evt );" << "\n"
+      << "        public event StringValueEventHandler" << " " << "SendEventList;" << "\n" << "\n";
+  out << "       private void FiresendEvent(string evtFormat)" << "\n" << "       {" << "\n"
+      << "            if(" << "SendEventList" << " != null" << ")" << "\n" << "            { " << "\n"
+      << "                SendEventList" << "(evtFormat);" << "\n" << "           }" << "\n" << "        }" << "\n"
+      << "\n";
+  out << "    }" << "\n" << "\n" << "}" << "\n";
+}
+
+}  // namespace
+
+void Module::CSharp_put(std::ostream& out) {
+  const std::string& m = name;
+  const std::string n = m + "_node";
+  csharpHeading(out, this, m);
 
   Bddexpressionwood* wood = getBddWood();
   if (!wood) return;
@@ -247,29 +320,7 @@ void Module::CSharp_put(std::ostream& out) {
   out << "  " << " /* outputs computing */" << "\n";
   CSharp_put_equation(out, n, 12);
 
-  // Values of the outputs, by their clocks.
-  std::map<std::string, std::pair<Signal*, std::vector<DataBinding*>>> clocked;
-  if (dataTable)
-    for (auto& [key, b] : *dataTable) {
-      Signal* c = b->getClock();
-      if (!c || !c->isOutput()) continue;
-      auto& entry = clocked[c->getInternalName()];
-      entry.first = c;
-      entry.second.push_back(b);
-    }
-  for (auto& [x, entry] : clocked) {
-    out << "           if (" << x << ")" << "\n" << "              {" << "\n";
-    bool first = true;
-    for (DataBinding* b : entry.second) {
-      out << (first ? "                  " : "                  else");
-      first = false;
-      out << " if (" << wire(b->getSignal()->getOverBddId(this, wood)) << ") {" << x << "_val = ";
-      b->getValue()->CSharp_put(out, this);
-      out << ";}" << "\n";
-    }
-    out << "                else { " << x << "_val = " << "zero_" << entry.first->getValueType(this) << ";}" << "\n"
-        << "              }" << "\n";
-  }
+  csharpClockedValues(out, this, wood);
 
   if (!registers.empty()) {
     out << "\n" << "         " << "/* refresh registers */" << "\n";
@@ -278,38 +329,7 @@ void Module::CSharp_put(std::ostream& out) {
     out << "\n";
   }
 
-  // Output events.
-  out << "            /*-----------------------partie evt/outputs_signals-----------------------------------------*/"
-      << "\n";
-  out << "           List<MyEvent> outputEvts = new List<MyEvent>(255);   " << "\n";
-  int c = 0;
-  for (Signal* s : outputs) {
-    if (!has_id(s->getOverBddId(this, wood)) || s->isValue()) continue;
-    const std::string x = s->getInternalName();
-    if (s->isValued(this))
-      out << "           MyEvent evt" << c << "= new MyEvent( " << "\"" << x << "\"" << "," << "\""
-          << s->getValueType(this) << "\"" << "," << " Convert.ToString(" << x << "_val)" << ","
-          << "Convert.ToString(" << x << "));" << "\n";
-    else
-      out << "            MyEvent evt" << c << " = new MyEvent( " << "\"" << x << "\"" << ","
-          << " Convert.ToString(" << x << "));" << "\n";
-    out << "            outputEvts.Add(evt" << c << ");" << "\n";
-    c++;
-  }
-  if (!outputs.empty())
-    out << "            string format =" << "\"" << "\"" << ";" << "\n"
-        << "            format = GA.serialize(outputEvts);" << "\n"
-        << "            FiresendEvent(format);" << "\n";
-  out << "        }" << "\n";
-
-  out << "        /*-----------Delegate Methods & Events-------------------*/" << "\n" << "\n";
-  out << "        public delegate void StringValueEventHandler(string evt );" << "\n"
-      << "        public event StringValueEventHandler" << " " << "SendEventList;" << "\n" << "\n";
-  out << "       private void FiresendEvent(string evtFormat)" << "\n" << "       {" << "\n"
-      << "            if(" << "SendEventList" << " != null" << ")" << "\n" << "            { " << "\n"
-      << "                SendEventList" << "(evtFormat);" << "\n" << "           }" << "\n" << "        }" << "\n"
-      << "\n";
-  out << "    }" << "\n" << "\n" << "}" << "\n";
+  csharpOutputEvents(out, this, wood, outputs);
 }
 
 void Module::printCSHARP() {
