@@ -1,5 +1,8 @@
 #include "fuzz_exit.h"
 
+#include <dirent.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -16,6 +19,22 @@ void reset_run() {
   Compilation::GDataTypeTable = nullptr;
   Compilation::GDataMethodTable = nullptr;
   Compilation::GDataConstantTable = nullptr;
+}
+
+std::set<int> open_fds() {
+  std::set<int> fds;
+  DIR* dir = opendir("/proc/self/fd");
+  if (dir == nullptr) return fds;
+  int own = dirfd(dir);
+  while (dirent* e = readdir(dir))
+    if (e->d_name[0] != '.' && std::atoi(e->d_name) != own) fds.insert(std::atoi(e->d_name));
+  closedir(dir);
+  return fds;
+}
+
+void close_fds_since(const std::set<int>& before) {
+  for (int fd : open_fds())
+    if (before.count(fd) == 0) close(fd);
 }
 }  // namespace fuzz
 
