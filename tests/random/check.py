@@ -11,7 +11,8 @@ For each program of the seeds S .. S+N-1:
     the source (every third program);
   - the reference evaluator (refeval.py) gives the same outputs on the trace.
 Programs that must be refused (cycles, type errors, bad renamings) are refused with their
-message. A failure prints the program, the inputs and the first differing reaction.
+message. A failure is shrunk (shrink.py) to a smaller program that fails the same way, and
+prints that program, the inputs and the first differing reaction.
 Every other target script of tests/e2e/targets runs the same trace and must agree with the C.
 """
 import argparse
@@ -26,6 +27,7 @@ import tempfile
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import gen  # noqa: E402
 import refeval  # noqa: E402
+import shrink  # noqa: E402
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 INT_HEADER = os.path.join(HERE, '..', 'e2e', 'trace', 'C_data_user_int.h')
@@ -184,11 +186,36 @@ def wrapper_text(p, qnc):
 
 def check_program(seed, quarnc, resave, stats):
     p = gen.program(seed)
-    m = p['name']
-    text = gen.program_text(p)
     r = random.Random(seed * 7919 + 1)
     trace = [{x for x in p['inputs'] if r.random() < 0.4} for _ in range(REACTIONS)]
     values = [r.randint(-5, 5) for _ in range(REACTIONS)]
+    try:
+        check(p, seed, trace, values, quarnc, resave, stats)
+    except Failure as e:
+        def fails(q):
+            try:
+                check(q, seed, trace, values, quarnc, resave, dict.fromkeys(stats, 0))
+            except Failure as f:
+                return failure_kind(f) == failure_kind(e)
+            return False
+        small, tried = shrink.shrink(p, fails)
+        try:
+            check(small, seed, trace, values, quarnc, resave, dict.fromkeys(stats, 0))
+            detail = str(e)
+        except Failure as f:
+            detail = str(f)
+        raise Failure('program (seed %d), shrunk in %d tries from %d to %d statements:\n%s\n%s' % (
+            seed, tried, shrink.size(p), shrink.size(small), gen.program_text(small), detail))
+
+
+def failure_kind(e):
+    """What went wrong, without the reaction and the details: shrinking keeps it."""
+    return str(e).split(':', 1)[0].rstrip('0123456789 ')
+
+
+def check(p, seed, trace, values, quarnc, resave, stats):
+    m = p['name']
+    text = gen.program_text(p)
     d = tempfile.mkdtemp(prefix='qrand_')
     try:
         with open(os.path.join(d, m + '.qn'), 'w') as f:
@@ -270,8 +297,6 @@ def check_program(seed, quarnc, resave, stats):
             got_pure = [{w for w in s if '=' not in w} for s in got]
             compare('C against the reference', trace, values, got_pure, want, 'C', 'reference')
             stats['reference'] += 1
-    except Failure as e:
-        raise Failure('program (seed %d):\n%s\n%s' % (seed, text, e))
     finally:
         shutil.rmtree(d, ignore_errors=True)
 
