@@ -6,6 +6,8 @@
 #include <iostream>
 #include <sstream>
 
+#include "signals/owner.h"
+
 namespace {
 
 const long kWoodSizeLimit = 536870911;  // a table may reach 2^29 entries
@@ -868,3 +870,10 @@ std::string Bddexpressionwood::debug_in_string() {
   s << *this;
   return s.str();
 }
+
+namespace owner {
+bddpp_manager* manager(Bddexpressionwood* w) { return w->my_bdd_manager(); }
+long newVarLast(Bddexpressionwood* w, const std::string& name) { return w->Index_new_var_last(name); }
+long varCount(Bddexpressionwood* w) { return w->Nb_bdd_vars(); }
+void destroy(Bddexpressionwood* w) { delete w; }
+}  // namespace owner

@@ -6,12 +6,11 @@
 #include <set>
 
 #include "bdd/bddpp.h"
-#include "data/data.h"
 #include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "util/report.h"
-#include "model/module.h"
 #include "signals/expression.h"
+#include "signals/owner.h"
 #include "signals/signal_manager.h"
 #include "util/Stringpp.h"
 
@@ -47,18 +46,14 @@ static void addValueDependences(Bddexpression* eq, Signal* s, Module* m, Bddexpr
                                 bool overSide) {
   for (Signal* d : *s->getValueDependencies()) {
     eq->add_specific_var_dependance(overSide ? d->getOverBddId(m, w) : d->getUnderBddId(m, w));
-    std::map<std::string, DataBinding*>* bindings = m->getDataTable();
-    if (bindings == nullptr) {
+    std::vector<Signal*> clocked;
+    if (!owner::clockedSignals(m, d, clocked)) {
       std::cerr << "****error:" << "signal:" << d->getInternalName()
                 << "valued without data table for main module\n";
       continue;
     }
-    for (auto& [key, b] : *bindings)
-      if (b->getClock() == d) {
-        Signal* bs = b->getSignal();
-        eq->add_specific_var_dependance(overSide ? bs->getOverBddId(m, w)
-                                                 : bs->getUnderBddId(m, w));
-      }
+    for (Signal* bs : clocked)
+      eq->add_specific_var_dependance(overSide ? bs->getOverBddId(m, w) : bs->getUnderBddId(m, w));
   }
 }
 
@@ -98,7 +93,7 @@ void EquationTable::createBottomEquation(Signal* s, Module* m) {
 }
 
 void EquationTable::createBottomEquation(Signal* s, Module* m, int occurrence) {
-  SignalRef* ref = m->getSignalManager()->getSignalRefByOccurrence(s, occurrence);
+  SignalRef* ref = owner::signalManager(m)->getSignalRefByOccurrence(s, occurrence);
   if (ref == nullptr)
     Compilation::IllegalOperationException("createBottomEquation: no signalref" +
                                            s->getInternalName());
@@ -132,23 +127,23 @@ void EquationTable::cond(Signal* s, Module* m) {
       Compilation::IllegalOperationException("EquationTable::id out of bounds");
     if (Bddexpression* eq = wood->exp_by_index(id)) eq->append_and_exp(c);
   };
-  if (std::list<Signal*>* outputs = m->getOutputSignalList())
+  if (std::list<Signal*>* outputs = owner::outputSignals(m))
     for (Signal* o : *outputs) {
       narrow(o->getOverBddId(m, wood));
       narrow(o->getUnderBddId(m, wood));
     }
-  if (std::list<Signal*>* locals = m->getLocalSignalList())
+  if (std::list<Signal*>* locals = owner::localSignals(m))
     for (Signal* l : *locals)
       if (l->isLocal() && !l->isWire())
         for (long id : l->getAllBddId(m, wood)) narrow(id);
 }
 
 void EquationTable::learnSignal(Signal* s, Module* m) {
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   std::string current = s->getName(m);
   SignalRef* ref = sm->getSignalRefByName(current);
   if (ref == nullptr || ref->isDefinedWood(wood)) return;
-  Bddexpressionwood* moduleWood = m->getBddWood();
+  Bddexpressionwood* moduleWood = owner::bddWood(m);
   if (s->getOverBddId(m, moduleWood) == -1 || s->getUnderBddId(m, moduleWood) == -1)
     Compilation::IllegalOperationException(
         "EquationTable:learSignal: signal not defined in module wood: " + current);
@@ -160,8 +155,24 @@ void EquationTable::learnSignal(Signal* s, Module* m) {
 // ---- Occurrences -------------------------------------------------------------------
 
 // Occurrence 0 is the or of all occurrences: _s_S = _s_S_1 + ... + _s_S_n.
+const std::vector<Signal*>& EquationTable::plainLocals(std::list<Signal*>* locals) {
+  if (locals != scannedLocals || locals->size() < scannedCount) {
+    scannedLocals = locals;
+    scannedCount = 0;
+    plainLocalsSeen.clear();
+  }
+  if (locals->size() == scannedCount) return plainLocalsSeen;
+  auto it = scannedCount == 0 ? locals->cbegin() : std::next(lastScanned);
+  for (; it != locals->cend(); ++it) {
+    if (!(*it)->isWire() && !(*it)->isValue()) plainLocalsSeen.push_back(*it);
+    lastScanned = it;
+    scannedCount++;
+  }
+  return plainLocalsSeen;
+}
+
 void EquationTable::pre(Module* m) {
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   bddpp_manager* g = wood->my_bdd_manager();
   auto chainNewOccurrence = [&](Signal* s, Bddexpression* over0, Bddexpression* under0) {
     over0->append_or_exp(g->Bdd_var_by_index(s->getOverBddId(m, wood)));
@@ -177,7 +188,7 @@ void EquationTable::pre(Module* m) {
     }
     return std::make_pair(over0, under0);
   };
-  if (std::list<Signal*>* outputs = m->getOutputSignalList())
+  if (std::list<Signal*>* outputs = owner::outputSignals(m))
     for (Signal* s : *outputs) {
       if (!s->hasOccurrence(wood)) continue;
       s->newOccurrence(wood, m);
@@ -194,8 +205,8 @@ void EquationTable::pre(Module* m) {
       }
       chainNewOccurrence(s, over0, under0);
     }
-  if (std::list<Signal*>* locals = m->getLocalSignalList())
-    for (Signal* s : *locals) {
+  if (std::list<Signal*>* locals = owner::localSignals(m))
+    for (Signal* s : plainLocals(locals)) {
       if (s->isWire() || s->isValue() || !s->hasOccurrence(wood)) continue;
       auto [over0, under0] = equationsOfOccurrence0(s);
       if (over0 == nullptr || under0 == nullptr) continue;
@@ -210,18 +221,18 @@ void EquationTable::pre(Module* m) {
 EquationTable* EquationTable::duplicate(Module* m) {
   auto* copy = new Bddexpressionwood(wood);
   auto* table = new EquationTable(*Compilation::EmptyString, copy);
-  m->getSignalManager()->duplicate(copy, wood);
+  owner::signalManager(m)->duplicate(copy, wood);
   auto carry = [&](Signal* s, const std::string& text) {
     if (s->getOccurrenceTable() == nullptr)
       Compilation::IllegalOperationException(text + s->getInternalName());
     if (s->hasOccurrence(wood)) s->extendCurrentOccurrenceTable(copy, (*s->getOccurrenceTable())[wood]);
   };
   const std::string noTable = "EquationTable::duplicate: no occurrence table for signal ";
-  for (std::list<Signal*>* l : {m->getInputSignalList(), m->getOutputSignalList(),
-                                m->getDataSignalList(), m->getLocalSignalList()})
+  for (std::list<Signal*>* l : {owner::inputSignals(m), owner::outputSignals(m),
+                                owner::dataSignals(m), owner::localSignals(m)})
     if (l != nullptr)
       for (Signal* s : *l) carry(s, noTable);
-  if (std::list<memorizedSignal*>* pres = m->getPreSignalList())
+  if (std::list<memorizedSignal*>* pres = owner::preSignals(m))
     for (memorizedSignal* p : *pres)
       if (p->getPre() != nullptr)
         carry(p->getPre(), "EquationTable::duplicate: no occurrence table for signal");
@@ -271,7 +282,7 @@ void EquationTable::add(Bddexpression* e, Module* m) {
                                    e->getEarlyDate(), e->getLateDate(), e->getUserType());
     restoreValueDependences(copy, valueDependenceNames(e));
   }
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   std::string refName = my_after(bddName, 3);
   SignalRef* ref = sm->getSignalRefByName(refName);
   if (ref == nullptr)
@@ -281,7 +292,7 @@ void EquationTable::add(Bddexpression* e, Module* m) {
     long under = variableHere(wood, "_v_" + ref->getCurrentName());
     sm->extendSignalRef(over, under, ref, wood);
   }
-  Signal* s = m->getSignalFromInternalName(ref->getInternalName());
+  Signal* s = owner::signalFromInternalName(m, ref->getInternalName());
   if (s != nullptr && s->hasOccurrence(source))
     s->extendCurrentOccurrenceTable(wood, s->getCurrentOccurrence(source));
 }
@@ -295,7 +306,7 @@ void EquationTable::unify(EquationTable* other, Module* m) {
   long n = ow->Nb_bdd_vars();
   bddpp_manager* here = wood->my_bdd_manager();
   bddpp_manager* there = ow->my_bdd_manager();
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   for (long id = 0; id < n; id++) {
     if (id >= ow->Nb_bdd_vars())
       throw IllegalOperationException("EquationTable::id out of bounds", "unify");
@@ -303,7 +314,7 @@ void EquationTable::unify(EquationTable* other, Module* m) {
     std::string stripped = my_after(varName, 3);
     Bddexpression* eq = ow->exp_by_index(id);
     if (eq == nullptr) {
-      Signal* s = m->getSignal(stripped);
+      Signal* s = owner::signal(m, stripped);
       if (s == nullptr || !s->hasOccurrence(ow)) continue;
       int current = s->getCurrentOccurrence(ow);
       s->extendCurrentOccurrenceTable(wood, current);
@@ -330,7 +341,7 @@ void EquationTable::unify(EquationTable* other, Module* m) {
     values.splice(values.end(), valueDependenceNames(eq));
     mine->append_or_exp(Bdd_isomorphe_by_name(here, there, eq->my_bdd_exp()));
     restoreValueDependences(mine, values);
-    Signal* s = m->getSignal(stripped);
+    Signal* s = owner::signal(m, stripped);
     if (s != nullptr && s->hasOccurrence(ow)) {
       int theirs = s->getCurrentOccurrence(ow);
       if (!s->hasOccurrence(wood) || s->getCurrentOccurrence(wood) < theirs)
@@ -338,12 +349,12 @@ void EquationTable::unify(EquationTable* other, Module* m) {
     }
   }
   // The branch wood is gone: no signal may keep an occurrence for its address.
-  for (std::list<Signal*>* l : {m->getInputSignalList(), m->getOutputSignalList(),
-                                m->getDataSignalList(), m->getLocalSignalList()})
+  for (std::list<Signal*>* l : {owner::inputSignals(m), owner::outputSignals(m),
+                                owner::dataSignals(m), owner::localSignals(m)})
     if (l != nullptr)
       for (Signal* s : *l)
         if (s->getOccurrenceTable() != nullptr) s->getOccurrenceTable()->erase(ow);
-  if (std::list<memorizedSignal*>* pres = m->getPreSignalList())
+  if (std::list<memorizedSignal*>* pres = owner::preSignals(m))
     for (memorizedSignal* p : *pres)
       if (p->getPre() != nullptr && p->getPre()->getOccurrenceTable() != nullptr)
         p->getPre()->getOccurrenceTable()->erase(ow);

@@ -28,18 +28,23 @@ struct Graph {
   const long* end(long x) const { return next.data() + start[x + 1]; }
 };
 
-// Raises `dates` to the least fixed point described above, from the `seeded`
-// indexes. `infinite` is the date of an index that a cycle raises without end;
-// with `spread` it goes on to every index behind the cycle. Gives true when a
-// cycle was met; every raised date lifts `level` above it.
-bool Propagate(const Graph& g, std::vector<long>& dates, const std::vector<char>& seeded, long infinite,
-               bool spread, long& level) {
+// The strongly connected components reachable from the seeds, sinks first
+// (iterative Tarjan): component c holds members[start[c] .. start[c+1]).
+struct Components {
+  std::vector<long> comp, members, start;
+  long count() const { return long(start.size()) - 1; }
+};
+
+Components Reachable_components(const Graph& g, const std::vector<char>& seeded) {
   const long n = g.size();
-  // Strongly connected components reachable from the seeds (iterative
-  // Tarjan); they come out sinks first.
-  std::vector<long> order(n, -1), low(n, 0), comp(n, -1);
+  Components k;
+  std::vector<long> order(n, -1), low(n, 0);
+  std::vector<long>& comp = k.comp;
+  std::vector<long>& members = k.members;
+  std::vector<long>& comp_start = k.start;
+  comp.assign(n, -1);
   std::vector<char> on_stack(n, 0);
-  std::vector<long> stack, members, comp_start;
+  std::vector<long> stack;
   std::vector<std::pair<long, long>> calls;  // node, next edge position
   long counter = 0;
   for (long s = 0; s < n; ++s) {
@@ -83,8 +88,22 @@ bool Propagate(const Graph& g, std::vector<long>& dates, const std::vector<char>
       }
     }
   }
-  const long comps = long(comp_start.size());
   comp_start.push_back(long(members.size()));
+  return k;
+}
+
+// Raises `dates` to the least fixed point described above, from the `seeded`
+// indexes. `infinite` is the date of an index that a cycle raises without end;
+// with `spread` it goes on to every index behind the cycle. Gives true when a
+// cycle was met; every raised date lifts `level` above it.
+bool Propagate(const Graph& g, std::vector<long>& dates, const std::vector<char>& seeded, long infinite,
+               bool spread, long& level) {
+  const long n = g.size();
+  const Components k = Reachable_components(g, seeded);
+  const std::vector<long>& comp = k.comp;
+  const std::vector<long>& members = k.members;
+  const std::vector<long>& comp_start = k.start;
+  const long comps = k.count();
 
   std::vector<long> candidate(n, LONG_MIN);
   std::vector<char> infinite_in(n, 0), raised(n, 0);

@@ -8,7 +8,9 @@
 #include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "equations/equationtable.h"
+#include "data/data.h"
 #include "model/statement.h"
+#include "signals/owner.h"
 #include "signals/signal_manager.h"
 
 namespace {
@@ -352,3 +354,24 @@ Module* ModuleTable::get(const std::string& n) {
 void ModuleTable::print() {
   for (auto& [n, m] : *table) *out << n << std::endl;
 }
+
+namespace owner {
+SignalManager* signalManager(Module* m) { return m->getSignalManager(); }
+Bddexpressionwood* bddWood(Module* m) { return m->getBddWood(); }
+std::list<Signal*>* inputSignals(Module* m) { return m->getInputSignalList(); }
+std::list<Signal*>* outputSignals(Module* m) { return m->getOutputSignalList(); }
+std::list<Signal*>* dataSignals(Module* m) { return m->getDataSignalList(); }
+std::list<Signal*>* localSignals(Module* m) { return m->getLocalSignalList(); }
+std::list<memorizedSignal*>* preSignals(Module* m) { return m->getPreSignalList(); }
+Signal* signal(Module* m, const std::string& name) { return m->getSignal(name); }
+Signal* signalFromInternalName(Module* m, const std::string& internal) {
+  return m->getSignalFromInternalName(internal);
+}
+bool clockedSignals(Module* m, Signal* clock, std::vector<Signal*>& out) {
+  std::map<std::string, DataBinding*>* bindings = m->getDataTable();
+  if (bindings == nullptr) return false;
+  for (auto& [key, b] : *bindings)
+    if (b->getClock() == clock) out.push_back(b->getSignal());
+  return true;
+}
+}  // namespace owner

@@ -11,6 +11,7 @@
 class Signal;
 class SignalRef;
 class SignalManager;
+class memorizedSignal;
 class Expression;
 class EquationTable;
 class Bddexpressionwood;
@@ -47,22 +48,6 @@ class regclass {
 
 // "next actual 1": internal names, "? " for a null signal.
 std::ostream& operator<<(std::ostream& out, const regclass& r);
-
-// One "Pre:" declaration: pre carries the previous value of actual.
-class memorizedSignal {
- public:
-  memorizedSignal(Signal* pre, Signal* actual, const std::string& initialValue)
-      : pre_(pre), actual_(actual), initialValue_(initialValue) {}
-
-  Signal* getPre() const { return pre_; }
-  Signal* getActual() const { return actual_; }
-  const std::string& getInitialValue() const { return initialValue_; }
-
- private:
-  Signal* pre_;
-  Signal* actual_;
-  std::string initialValue_;
-};
 
 // "pre actual initial;": internal names, "? " for a null signal.
 std::ostream& operator<<(std::ostream& out, const memorizedSignal& m);

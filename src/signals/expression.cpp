@@ -6,10 +6,10 @@
 
 #include "bdd/bddpp.h"
 #include "util/compilation.h"
-#include "equations/Bddexpression.h"
+#include "signals/owner.h"
 #include "signals/signal_manager.h"
 
-static bddpp_manager* mgr(Bddexpressionwood* w) { return w->my_bdd_manager(); }
+static bddpp_manager* mgr(Bddexpressionwood* w) { return owner::manager(w); }
 
 // ---- Expression --------------------------------------------------------------------
 

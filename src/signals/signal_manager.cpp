@@ -6,8 +6,7 @@
 
 #include "bdd/bddpp.h"
 #include "util/compilation.h"
-#include "equations/Bddexpression.h"
-#include "model/module.h"
+#include "signals/owner.h"
 
 static std::string occurrenceName(const std::string& internal, int n) {
   return n == 0 ? internal : internal + "_" + std::to_string(n);
@@ -42,7 +41,7 @@ Signal::Signal(const std::string& original, const std::string& internal, Module*
 void Signal::initialise(Module* m, Bddexpressionwood* w, bool occurrenceWhenKnown) {
   occurrences = new std::map<Bddexpressionwood*, int>();
   valueDependencies = new std::set<Signal*>();
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   if (sm->getSignalRefByName(internalName) == nullptr) {
     new SignalRef(originalName, internalName, m, w);
     extendCurrentOccurrenceTable(w, 0);
@@ -80,16 +79,16 @@ Signal::Signal(Signal& s, Module* newModule, Bddexpressionwood* newWood, Module*
       pre(s.pre),
       occurrences(new std::map<Bddexpressionwood*, int>()),
       valueDependencies(new std::set<Signal*>(*s.valueDependencies)) {
-  Bddexpressionwood* oldWood = oldModule->getBddWood();
+  Bddexpressionwood* oldWood = owner::bddWood(oldModule);
   int current = s.hasOccurrence(oldWood) ? (*s.occurrences)[oldWood] : 0;
   bool valued = false;
   std::string type = "pure";
-  SignalRef* oldRef = oldModule->getSignalManager()->getSignalRefByOccurrence(&s, current);
+  SignalRef* oldRef = owner::signalManager(oldModule)->getSignalRefByOccurrence(&s, current);
   if (oldRef != nullptr) {
     valued = oldRef->isValued();
     type = oldRef->getType();
   }
-  SignalManager* sm = newModule->getSignalManager();
+  SignalManager* sm = owner::signalManager(newModule);
   for (int n = 0; n <= current; n++) {
     std::string name = occurrenceName(internalName, n);
     SignalRef* ref = sm->getSignalRefByName(name);
@@ -154,7 +153,7 @@ void Signal::extendCurrentOccurrenceTable(Bddexpressionwood* w, int n) {
 // in an occurrence of their own.
 Signal* Signal::newOccurrence(Bddexpressionwood* w, Module* m) {
   if (!local && !output) return this;
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   int n = getCurrentOccurrence(w) + 1;
   std::string name = occurrenceName(internalName, n);
   bool valued = false;
@@ -187,7 +186,7 @@ std::string Signal::getName(Module*, Bddexpressionwood* w) {
   return occurrenceName(internalName, getCurrentOccurrence(w));
 }
 
-std::string Signal::getName(Module* m) { return getName(m, m->getBddWood()); }
+std::string Signal::getName(Module* m) { return getName(m, owner::bddWood(m)); }
 
 SignalRef* Signal::getSignalRef(SignalManager* sm, Bddexpressionwood* w) {
   if (!hasOccurrence(w)) return nullptr;
@@ -195,13 +194,13 @@ SignalRef* Signal::getSignalRef(SignalManager* sm, Bddexpressionwood* w) {
 }
 
 SignalRef* Signal::getSignalRef(Module* m, Bddexpressionwood* w) {
-  return getSignalRef(m->getSignalManager(), w);
+  return getSignalRef(owner::signalManager(m), w);
 }
 
-SignalRef* Signal::getSignalRef(Module* m) { return getSignalRef(m, m->getBddWood()); }
+SignalRef* Signal::getSignalRef(Module* m) { return getSignalRef(m, owner::bddWood(m)); }
 
 SignalRef* Signal::getCurrentSignalRef(Bddexpressionwood* w, Module* m) {
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   std::list<SignalRef*>* refs = sm->getAllSignalRef(this, w);
   SignalRef* first = refs->empty() ? nullptr : refs->front();
   delete refs;
@@ -222,9 +221,9 @@ bool Signal::isValued(Module* m, Bddexpressionwood* w) {
   return ref != nullptr && ref->isValued();
 }
 
-bool Signal::isValued(Module* m) { return isValued(m, m->getBddWood()); }
+bool Signal::isValued(Module* m) { return isValued(m, owner::bddWood(m)); }
 
-std::string Signal::getValueType(Module* m) { return getValueType(m, m->getBddWood()); }
+std::string Signal::getValueType(Module* m) { return getValueType(m, owner::bddWood(m)); }
 
 std::string Signal::getValueType(Module* m, Bddexpressionwood* w) {
   SignalRef* ref = getSignalRef(m, w);
@@ -232,7 +231,7 @@ std::string Signal::getValueType(Module* m, Bddexpressionwood* w) {
 }
 
 void Signal::setValueType(const std::string& type, Module* m) {
-  setValueType(type, m, m->getBddWood());
+  setValueType(type, m, owner::bddWood(m));
 }
 
 void Signal::setValueType(const std::string& type, Module* m, Bddexpressionwood* w) {
@@ -243,7 +242,7 @@ void Signal::setValueType(const std::string& type, Module* m, Bddexpressionwood*
 }
 
 bool Signal::usedwithPre(Module* m) {
-  std::list<memorizedSignal*>* pres = m->getPreSignalList();
+  std::list<memorizedSignal*>* pres = owner::preSignals(m);
   if (pres == nullptr) return false;
   for (memorizedSignal* p : *pres)
     if (p->getActual() == this && isValued(m)) return true;
@@ -251,35 +250,35 @@ bool Signal::usedwithPre(Module* m) {
 }
 
 bdd Signal::getOverBdd(Module* m, Bddexpressionwood* w) {
-  SignalRef* ref = m->getSignalManager()->getCurrentOccurrence(this, w);
+  SignalRef* ref = owner::signalManager(m)->getCurrentOccurrence(this, w);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getOverBdd:no signal ref for signal " +
                                            internalName);
-  return w->my_bdd_manager()->Bdd_var_by_index(ref->getOverBddId(w));
+  return owner::manager(w)->Bdd_var_by_index(ref->getOverBddId(w));
 }
 
 bdd Signal::getUnderBdd(Module* m, Bddexpressionwood* w) {
-  SignalRef* ref = m->getSignalManager()->getCurrentOccurrence(this, w);
+  SignalRef* ref = owner::signalManager(m)->getCurrentOccurrence(this, w);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getUnderBdd:no signal ref for signal" +
                                            internalName);
-  return w->my_bdd_manager()->Bdd_var_by_index(ref->getUnderBddId(w));
+  return owner::manager(w)->Bdd_var_by_index(ref->getUnderBddId(w));
 }
 
 bdd Signal::getInitialOverBdd(Module* m, Bddexpressionwood* w) {
-  SignalRef* ref = m->getSignalManager()->getSignalRefByName(internalName);
+  SignalRef* ref = owner::signalManager(m)->getSignalRefByName(internalName);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getOverBdd:no signal ref for signal" +
                                            internalName);
-  return w->my_bdd_manager()->Bdd_var_by_index(ref->getOverBddId(w));
+  return owner::manager(w)->Bdd_var_by_index(ref->getOverBddId(w));
 }
 
 bdd Signal::getInitialUnderBdd(Module* m, Bddexpressionwood* w) {
-  SignalRef* ref = m->getSignalManager()->getSignalRefByName(internalName);
+  SignalRef* ref = owner::signalManager(m)->getSignalRefByName(internalName);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getUnderBdd:no signal ref for signal" +
                                            internalName);
-  return w->my_bdd_manager()->Bdd_var_by_index(ref->getUnderBddId(w));
+  return owner::manager(w)->Bdd_var_by_index(ref->getUnderBddId(w));
 }
 
 // A signal is its own copy: the occurrence table is shared.
@@ -293,7 +292,7 @@ long Signal::getOverBddId(Module* m, Bddexpressionwood* w) {
   if (!hasOccurrence(w))
     Compilation::IllegalOperationException(
         "Signal::getOverBddId: no current occurrence for this wood" + internalName);
-  SignalRef* ref = m->getSignalManager()->getSignalRefByOccurrence(this, (*occurrences)[w]);
+  SignalRef* ref = owner::signalManager(m)->getSignalRefByOccurrence(this, (*occurrences)[w]);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getOverBddId: no ref for signal" +
                                            internalName);
@@ -304,7 +303,7 @@ long Signal::getUnderBddId(Module* m, Bddexpressionwood* w) {
   if (!hasOccurrence(w))
     Compilation::IllegalOperationException(
         "Signal::getOverBddId: no current occurrence for this wood" + internalName);
-  SignalRef* ref = m->getSignalManager()->getSignalRefByOccurrence(this, (*occurrences)[w]);
+  SignalRef* ref = owner::signalManager(m)->getSignalRefByOccurrence(this, (*occurrences)[w]);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getUnderBddId: no ref for signal" +
                                            internalName);
@@ -312,7 +311,7 @@ long Signal::getUnderBddId(Module* m, Bddexpressionwood* w) {
 }
 
 long Signal::getInitialOverBddId(Module* m, Bddexpressionwood* w) {
-  SignalRef* ref = m->getSignalManager()->getSignalRefByName(internalName);
+  SignalRef* ref = owner::signalManager(m)->getSignalRefByName(internalName);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getOverBddId:no signal ref for signal" +
                                            internalName);
@@ -320,7 +319,7 @@ long Signal::getInitialOverBddId(Module* m, Bddexpressionwood* w) {
 }
 
 long Signal::getInitialUnderBddId(Module* m, Bddexpressionwood* w) {
-  SignalRef* ref = m->getSignalManager()->getSignalRefByName(internalName);
+  SignalRef* ref = owner::signalManager(m)->getSignalRefByName(internalName);
   if (ref == nullptr)
     Compilation::IllegalOperationException("Signal::getUnderBddId:no signal ref for signal" +
                                            internalName);
@@ -328,13 +327,13 @@ long Signal::getInitialUnderBddId(Module* m, Bddexpressionwood* w) {
 }
 
 std::string Signal::getOverName(Module* m) {
-  Bddexpressionwood* w = m->getBddWood();
-  return w->my_bdd_manager()->Name_var_by_index(getOverBddId(m, w));
+  Bddexpressionwood* w = owner::bddWood(m);
+  return owner::manager(w)->Name_var_by_index(getOverBddId(m, w));
 }
 
 std::string Signal::getUnderName(Module* m) {
-  Bddexpressionwood* w = m->getBddWood();
-  return w->my_bdd_manager()->Name_var_by_index(getUnderBddId(m, w));
+  Bddexpressionwood* w = owner::bddWood(m);
+  return owner::manager(w)->Name_var_by_index(getUnderBddId(m, w));
 }
 
 std::list<long> Signal::getAllBddId(Module* m, Bddexpressionwood* w) {
@@ -342,7 +341,7 @@ std::list<long> Signal::getAllBddId(Module* m, Bddexpressionwood* w) {
     Compilation::IllegalOperationException("Signal::getAllBddId" + internalName);
   std::list<long> ids;
   int current = getCurrentOccurrence(w);
-  SignalManager* sm = m->getSignalManager();
+  SignalManager* sm = owner::signalManager(m);
   for (int n = 0; n <= current; n++) {
     SignalRef* ref = sm->getSignalRefByOccurrence(this, n);
     if (ref == nullptr)
@@ -411,7 +410,7 @@ void SignalRef::initialise(Module* m, Bddexpressionwood* w) {
   long over = computeId("_s_" + currentName, w);
   long under = computeId("_v_" + currentName, w);
   addBddIds(over, under, w);
-  m->getSignalManager()->addSignalRef(this);
+  owner::signalManager(m)->addSignalRef(this);
 }
 
 bool SignalRef::isDefinedWood(Bddexpressionwood* w) const { return ids.count(w) != 0; }
@@ -453,8 +452,8 @@ void SignalRef::addBddIds(long over, long under, Bddexpressionwood* w) {
 }
 
 long SignalRef::computeId(const std::string& name, Bddexpressionwood* w) {
-  long id = w->my_bdd_manager()->Index_var_by_name(name);
-  if (id == -1) id = w->Index_new_var_last(name);
+  long id = owner::manager(w)->Index_var_by_name(name);
+  if (id == -1) id = owner::newVarLast(w, name);
   return id;
 }
 
@@ -524,8 +523,8 @@ void SignalManager::addSignalRefIdTable(long over, long under, SignalRef* ref,
                                         Bddexpressionwood* w) {
   auto it = idTables.find(w);
   if (it == idTables.end()) {
-    idTables[w] = new SignalRefTable(w->Nb_bdd_vars());
-  } else if (w->Nb_bdd_vars() > it->second->size) {
+    idTables[w] = new SignalRefTable(owner::varCount(w));
+  } else if (owner::varCount(w) > it->second->size) {
     extendIdTable(w);
   }
   SignalRefTable* t = idTables[w];
@@ -547,7 +546,7 @@ void SignalManager::addSignalRefIdTable(long over, long under, SignalRef* ref,
 void SignalManager::extendIdTable(Bddexpressionwood* w) {
   auto it = idTables.find(w);
   long size = it == idTables.end() ? 0 : it->second->size;
-  grow(w, std::max(w->Nb_bdd_vars(), 2 * size));
+  grow(w, std::max(owner::varCount(w), 2 * size));
 }
 
 void SignalManager::grow(Bddexpressionwood* w, long n) {
@@ -581,7 +580,7 @@ void SignalManager::deleteWood(Bddexpressionwood* w) {
     delete it->second;
     idTables.erase(it);
   }
-  delete w;
+  owner::destroy(w);
 }
 
 void SignalManager::printSignalTableByName(std::ostream& out) {

@@ -189,6 +189,22 @@ struct SignalRefTable {
 };
 
 // One per module: finds the records by current name and by variable index.
+// One "Pre:" declaration: pre carries the previous value of actual.
+class memorizedSignal {
+ public:
+  memorizedSignal(Signal* pre, Signal* actual, const std::string& initialValue)
+      : pre_(pre), actual_(actual), initialValue_(initialValue) {}
+
+  Signal* getPre() const { return pre_; }
+  Signal* getActual() const { return actual_; }
+  const std::string& getInitialValue() const { return initialValue_; }
+
+ private:
+  Signal* pre_;
+  Signal* actual_;
+  std::string initialValue_;
+};
+
 class SignalManager {
  public:
   SignalManager() = default;
