@@ -1,10 +1,12 @@
 #include "fuzz_exit.h"
 
 #include <dirent.h>
+#include <linux/close_range.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 
 #include "util/compilation.h"
 #include "model/module.h"
@@ -21,6 +23,9 @@ void reset_run() {
   Compilation::GDataConstantTable = nullptr;
 }
 
+namespace {
+
+// The descriptors open in this process.
 std::set<int> open_fds() {
   std::set<int> fds;
   DIR* dir = opendir("/proc/self/fd");
@@ -32,9 +37,14 @@ std::set<int> open_fds() {
   return fds;
 }
 
-void close_fds_since(const std::set<int>& before) {
-  for (int fd : open_fds())
-    if (before.count(fd) == 0) close(fd);
+}  // namespace
+
+void close_input_fds() {
+  static const std::set<int> own = open_fds();
+  const int top = own.empty() ? -1 : *own.rbegin();
+  for (int fd = 0; fd < top; fd++)
+    if (own.count(fd) == 0) close(fd);
+  close_range(static_cast<unsigned>(top + 1), ~0U, 0);
 }
 }  // namespace fuzz
 

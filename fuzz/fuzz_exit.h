@@ -5,7 +5,6 @@
 #pragma once
 
 #include <csetjmp>
-#include <set>
 
 namespace fuzz {
 
@@ -14,28 +13,25 @@ extern std::jmp_buf* guard;
 // The status of the last exit taken over by the guard.
 extern int exit_status;
 
-// The descriptors open in this process.
-std::set<int> open_fds();
-// Closes every descriptor open now that is not in `before`: the streams of abandoned
-// frames never close their files.
-void close_fds_since(const std::set<int>& before);
+// Closes every descriptor that was not open at the first call: the streams of abandoned
+// frames never close their files, and each input starts with the process's own files only.
+void close_input_fds();
 
 // Calls f(); true when it returned, false when the compiler called exit. Files that f
 // left open are closed either way.
 template <class F>
 bool guarded(F&& f) {
-  static std::set<int> before;
-  before = open_fds();
+  close_input_fds();
   std::jmp_buf here;
   guard = &here;
   if (setjmp(here) != 0) {
     guard = nullptr;
-    close_fds_since(before);
+    close_input_fds();
     return false;
   }
   f();
   guard = nullptr;
-  close_fds_since(before);
+  close_input_fds();
   return true;
 }
 

@@ -155,22 +155,6 @@ void EquationTable::learnSignal(Signal* s, Module* m) {
 // ---- Occurrences -------------------------------------------------------------------
 
 // Occurrence 0 is the or of all occurrences: _s_S = _s_S_1 + ... + _s_S_n.
-const std::vector<Signal*>& EquationTable::plainLocals(std::list<Signal*>* locals) {
-  if (locals != scannedLocals || locals->size() < scannedCount) {
-    scannedLocals = locals;
-    scannedCount = 0;
-    plainLocalsSeen.clear();
-  }
-  if (locals->size() == scannedCount) return plainLocalsSeen;
-  auto it = scannedCount == 0 ? locals->cbegin() : std::next(lastScanned);
-  for (; it != locals->cend(); ++it) {
-    if (!(*it)->isWire() && !(*it)->isValue()) plainLocalsSeen.push_back(*it);
-    lastScanned = it;
-    scannedCount++;
-  }
-  return plainLocalsSeen;
-}
-
 void EquationTable::pre(Module* m) {
   SignalManager* sm = owner::signalManager(m);
   bddpp_manager* g = wood->my_bdd_manager();
@@ -206,7 +190,7 @@ void EquationTable::pre(Module* m) {
       chainNewOccurrence(s, over0, under0);
     }
   if (std::list<Signal*>* locals = owner::localSignals(m))
-    for (Signal* s : plainLocals(locals)) {
+    for (Signal* s : *locals) {
       if (s->isWire() || s->isValue() || !s->hasOccurrence(wood)) continue;
       auto [over0, under0] = equationsOfOccurrence0(s);
       if (over0 == nullptr || under0 == nullptr) continue;

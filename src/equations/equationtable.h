@@ -54,15 +54,6 @@ class EquationTable {
   long callPert(const std::list<long>& ids);
 
  private:
-  // The locals that may carry occurrences, in list order: the tail of a module's local
-  // list that pre() has not seen yet is read once. Wires and values never turn back into
-  // plain locals, so only the signals kept here are read again.
-  const std::vector<Signal*>& plainLocals(std::list<Signal*>* locals);
-
   Bddexpressionwood* wood;
   std::string name;
-  const std::list<Signal*>* scannedLocals = nullptr;
-  size_t scannedCount = 0;
-  std::list<Signal*>::const_iterator lastScanned;
-  std::vector<Signal*> plainLocalsSeen;
 };

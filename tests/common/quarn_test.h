@@ -12,6 +12,12 @@
 #include "util/compilation.h"
 #include "front/parse_supl.h"
 #include "model/module.h"
+#include "signals/signal_manager.h"
+
+// A compilation frees nothing by design: what it made stays until the process ends.
+extern "C" __attribute__((used)) inline const char* __asan_default_options() {
+  return "detect_leaks=0";
+}
 
 namespace quarn_test {
 
@@ -51,6 +57,45 @@ inline Module* compiled_from_text(const std::string& text, const std::string& na
   m->complementary_check_syntax();
   m->compile();
   return m;
+}
+
+// A death-test pattern that matches the text literally.
+inline std::string literally(const std::string& text) {
+  std::string out;
+  for (char c : text) {
+    if (std::string("\\.^$|()[]{}*+?").find(c) != std::string::npos) out += '\\';
+    out += c;
+  }
+  return out;
+}
+
+// Signals of a module built by hand, in no list or in the list of their kind; a type
+// makes them valued.
+inline Signal* new_signal(Module& m, const std::string& name, const std::string& type = "") {
+  Signal* s = new Signal(name, &m, m.getBddWood());
+  if (!type.empty()) s->setValueType(type, &m);
+  return s;
+}
+
+inline Signal* input(Module& m, const std::string& name, const std::string& type = "") {
+  Signal* s = new_signal(m, name, type);
+  s->setInput();
+  m.addInputSignal(s);
+  return s;
+}
+
+inline Signal* output(Module& m, const std::string& name, const std::string& type = "") {
+  Signal* s = new_signal(m, name, type);
+  s->setOutput();
+  m.addOutputSignal(s);
+  return s;
+}
+
+inline Signal* local(Module& m, const std::string& name, const std::string& type = "") {
+  Signal* s = new_signal(m, name, type);
+  s->setLocal();
+  m.addLocalSignal(s);
+  return s;
 }
 
 }  // namespace quarn_test

@@ -13,6 +13,7 @@
 #include "model/module.h"
 #include "signals/expression.h"
 #include "signals/signal_manager.h"
+#include "common/quarn_test.h"
 
 class TableTest : public ::testing::Test {
  protected:
@@ -23,12 +24,7 @@ class TableTest : public ::testing::Test {
   EquationTable* t = m->getCompilation();
   bddpp_manager* g = w->my_bdd_manager();
 
-  Signal* input(const std::string& name) {
-    auto* s = new Signal(name, m, w);
-    s->setInput();
-    m->addInputSignal(s);
-    return s;
-  }
+  Signal* input(const std::string& name) { return quarn_test::input(*m, name); }
   Signal* wire(const std::string& name) {
     auto* s = new Signal(name, m, w);
     s->setWire();

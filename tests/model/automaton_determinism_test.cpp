@@ -2,11 +2,10 @@
 // priorities, a strong and a weak one, or exclusive triggers don't.
 #include <gtest/gtest.h>
 
-#include "automaton_eval.h"
-#include "model_test_util.h"
+#include "common/quarn_test.h"
+#include "model/statement.h"
 
-using namespace automaton_test;
-using model_test::literally;
+using quarn_test::literally;
 
 namespace {
 
@@ -38,7 +37,7 @@ TEST(AutomatonDeterminism, ConflictsEndTheCompilation) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.transitions);
-    EXPECT_EXIT(compiled(kHead + "transition: " + c.transitions + " end"),
+    EXPECT_EXIT(quarn_test::compiled_from_text(kHead + "transition: " + c.transitions + " end"),
                 testing::ExitedWithCode(1), literally(c.message));
   }
 }
@@ -57,7 +56,7 @@ TEST(AutomatonDeterminism, NoConflict) {
   };
   for (const char* c : cases) {
     SCOPED_TRACE(c);
-    Module* m = compiled(kHead + "transition: " + c + " end");
+    Module* m = quarn_test::compiled_from_text(kHead + "transition: " + c + " end");
     ASSERT_NE(m, nullptr);
     // Priorities are folded into the triggers; initial transitions keep theirs.
     for (Transition* t : *m->getStatement()->getTransitionList())
@@ -68,7 +67,7 @@ TEST(AutomatonDeterminism, NoConflict) {
 }
 
 TEST(AutomatonDeterminism, PrioritySortKeepsTiesAndPutsOtherLast) {
-  Module* m = parse(kHead +
+  Module* m = quarn_test::module_from_text(kHead +
                     "transition: initial-> s0; s0 other [] -> s1; s0 3 [i] -> s1; s0 2 [j] -> "
                     "s2; s0 [i and j] -> s0; s0 2 [i] -> s0; end");
   ASSERT_NE(m, nullptr);

@@ -7,10 +7,10 @@
 #include "util/compilation.h"
 #include "model/module.h"
 #include "model/statement.h"
-#include "model_test_util.h"
+#include "common/quarn_test.h"
 #include "signals/expression.h"
 
-using namespace model_test;
+using namespace quarn_test;
 
 namespace {
 
@@ -65,15 +65,15 @@ TEST(ModuleCheck, ValueTypesMustBeDeclared) {
       {"data", [&] {
          withTypes();
          Module m("M");
-         m.addDataSignal(newSignal(m, "d", "U"));
+         m.addDataSignal(new_signal(m, "d", "U"));
          m.complementary_check_syntax();
        },
        "ERROR about data signal \"d\": type \"U\" is not defined in data section ..."},
       {"pre: its actual signal", [&] {
          withTypes();
          Module m("M");
-         Signal* x = newSignal(m, "x", "V");  // in no list of its own
-         m.addPreSignal(newSignal(m, "px"), x, "");
+         Signal* x = new_signal(m, "x", "V");  // in no list of its own
+         m.addPreSignal(new_signal(m, "px"), x, "");
          m.complementary_check_syntax();
        },
        "ERROR about pre valued signal \"x\": type \"V\" is not defined in data section ..."},
@@ -124,7 +124,7 @@ struct EmitModule {
   Signal* clockReal = local(m, "MclkR", "real");
   Signal* d = nullptr;
   EmitModule() {
-    d = newSignal(m, "d", "int");
+    d = new_signal(m, "d", "int");
     m.addDataSignal(d);
   }
   void emit(Signal* s, Signal* clock = nullptr) {

@@ -192,18 +192,18 @@ def check_program(seed, quarnc, resave, stats):
     try:
         check(p, seed, trace, values, quarnc, resave, stats)
     except Failure as e:
+        last = [e]  # the failure of the smallest failing program so far
+
         def fails(q):
             try:
                 check(q, seed, trace, values, quarnc, resave, dict.fromkeys(stats, 0))
             except Failure as f:
-                return failure_kind(f) == failure_kind(e)
+                if failure_kind(f) == failure_kind(e):
+                    last[0] = f
+                    return True
             return False
         small, tried = shrink.shrink(p, fails)
-        try:
-            check(small, seed, trace, values, quarnc, resave, dict.fromkeys(stats, 0))
-            detail = str(e)
-        except Failure as f:
-            detail = str(f)
+        detail = str(last[0])
         raise Failure('program (seed %d), shrunk in %d tries from %d to %d statements:\n%s\n%s' % (
             seed, tried, shrink.size(p), shrink.size(small), gen.program_text(small), detail))
 

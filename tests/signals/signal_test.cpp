@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "common/quarn_test.h"
 #include "bdd/bddpp.h"
 #include "util/compilation.h"
 #include "equations/Bddexpression.h"
@@ -28,12 +29,7 @@ class Signals : public ::testing::Test {
   bddpp_manager* g = w->my_bdd_manager();
 
   std::string var(long index) { return g->Name_var_by_index(index); }
-  Signal* local(const std::string& name) {
-    auto* s = new Signal(name, m, w);
-    s->setLocal();
-    m->addLocalSignal(s);
-    return s;
-  }
+  Signal* local(const std::string& name) { return quarn_test::local(*m, name); }
 };
 
 TEST_F(Signals, OccurrencesHaveTheirRecordsAndVariables) {

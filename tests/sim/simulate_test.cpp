@@ -3,12 +3,12 @@
 
 #include <fstream>
 
-#include "../model/compile_util.h"
+#include "common/quarn_test.h"
 
 namespace {
 
 TEST(Simulate, DumpsAroundFinalizationAndWritesTheNetlist) {
-  Module* m = compile_test::compileText("module m: Input: a; Output: o; loop { wait a >> emit o } end");
+  Module* m = quarn_test::compiled_from_text("module m: Input: a; Output: o; loop { wait a >> emit o } end");
   ASSERT_NE(m, nullptr);
   Module::SimulationDir = testing::TempDir();
   const std::string blif = Module::SimulationDir + "m.blif";

@@ -5,7 +5,7 @@
 #include <set>
 #include <vector>
 
-#include "../model/compile_util.h"
+#include "common/quarn_test.h"
 #include "bdd/bddpp.h"
 #include "equations/Bddexpression.h"
 #include "signals/signal_manager.h"
@@ -17,7 +17,7 @@ struct Finalized {
   Bddexpressionwood* wood;
   bddpp_manager* manager;
   explicit Finalized(const std::string& text) {
-    m = compile_test::compileText(text);
+    m = quarn_test::compiled_from_text(text);
     m->finalize(0);
     wood = m->getBddWood();
     manager = wood->my_bdd_manager();

@@ -10,31 +10,13 @@
 #include "equations/Bddexpression.h"
 #include "model/module.h"
 #include "signals/signal_manager.h"
+#include "common/quarn_test.h"
 
 namespace c_test {
 
-inline const bool kBatch = (setenv("QUARN_BATCH", "1", 1), true);
-
-inline Signal* input(Module& m, const std::string& name) {
-  Signal* s = new Signal(name, &m, m.getBddWood());
-  s->setInput();
-  m.addInputSignal(s);
-  return s;
-}
-
-inline Signal* output(Module& m, const std::string& name) {
-  Signal* s = new Signal(name, &m, m.getBddWood());
-  s->setOutput();
-  m.addOutputSignal(s);
-  return s;
-}
-
-inline Signal* local(Module& m, const std::string& name) {
-  Signal* s = new Signal(name, &m, m.getBddWood());
-  s->setLocal();
-  m.addLocalSignal(s);
-  return s;
-}
+using quarn_test::input;
+using quarn_test::local;
+using quarn_test::output;
 
 inline bdd over(Module& m, Signal* s) { return s->getOverBdd(&m, m.getBddWood()); }
 inline bdd under(Module& m, Signal* s) { return s->getUnderBdd(&m, m.getBddWood()); }
