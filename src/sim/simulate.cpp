@@ -64,7 +64,10 @@ void Module::simulate() {
     BLIF_put(out, !Compilation::KeepWiresFlag);
   }
   const std::string command = "tarvix " + SimulationDir + name;
-  quarn_sim_run(command);
+  if (int status = quarn_sim_run(command); status != 0) {
+    std::cerr << "quarnc: -pure_simul: the simulator tarvix ended with status " << status << std::endl;
+    std::exit(1);
+  }
 }
 
 bdd Module::next_state(bdd state, bdd inputs) {
