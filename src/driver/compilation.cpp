@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "data/data.h"
 #include "util/report.h"
 #include "front/qnc_reader.h"
 #include "model/module.h"
@@ -42,7 +43,8 @@ void Compilation::reset() {
                  &Module::SequenceNumber, &Module::PresentNumber, &Module::AbsentNumber, &Module::LoopNumber,
                  &Module::LocalNumber, &Module::WaitNumber, &Module::AbortNumber, &Module::EmitNumber,
                  &Module::NoEmitNumber, &Module::SustainUntilNumber, &Module::RunNumber, &Module::SustainNumber,
-                 &Module::AutomatonNumber, &Module::MealyMachineNumber, &Module::TransitionNumber})
+                 &Module::AutomatonNumber, &Module::MealyMachineNumber, &Module::TransitionNumber,
+                 &DataExpr::Indexation})
     *n = 0;
   Module::SimulationQncDir = ".";
   Module::OutputDir = ".";

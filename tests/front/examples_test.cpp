@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "common/quarn_test.h"
 #include "util/compilation.h"
 #include "model/module.h"
 #include "model/statement.h"
@@ -24,12 +25,8 @@ TEST(Examples, Parse) {
       {"watchdog.qn", {"beat", "watchdog"},
        [](Statement* s) { return dynamic_cast<Pn*>(s) != nullptr; }},
   };
-  setenv("QUARN_BATCH", "1", 1);
   for (const Case& c : cases) {
-    Compilation::ModTable = new ModuleTable();
-    Compilation::GDataTypeTable = nullptr;
-    Compilation::GDataMethodTable = nullptr;
-    Compilation::GDataConstantTable = nullptr;
+    quarn_test::fresh_run();
     Compilation::qn_parse(std::string(QUARN_SOURCE_DIR) + "/examples/" + c.file);
     const char* last = nullptr;
     for (const char* name : c.modules) {

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "common/quarn_test.h"
 #include "data/data.h"
 #include "util/compilation.h"
 #include "front/parse_supl.h"
@@ -20,11 +21,7 @@ namespace {
 
 // A fresh run state, then the whole text through the parser; the named module.
 Module* parse(const std::string& source, const std::string& name = "m") {
-  setenv("QUARN_BATCH", "1", 1);
-  Compilation::ModTable = new ModuleTable();
-  Compilation::GDataTypeTable = nullptr;
-  Compilation::GDataMethodTable = nullptr;
-  Compilation::GDataConstantTable = nullptr;
+  quarn_test::fresh_run();
   std::istringstream in(source);
   class_qn_parser::parse_stream(in);
   return Compilation::ModTable->get(name);
@@ -176,11 +173,6 @@ TEST(Grammar, BracedModuleAndSections) {
 }
 
 TEST(Grammar, GeneratedNames) {
-  Module::PresentNumber = 0;
-  Module::SequenceNumber = 0;
-  Module::WaitNumber = 0;
-  Module::EmitNumber = 0;
-  Module::RunNumber = 0;
   Module* m = parse(
       "data: Type: int; Constant: int C__1 := 1; end data "
       "module m: Input: i; Output: a; "
@@ -222,7 +214,6 @@ TEST(Grammar, GeneratedNames) {
 }
 
 TEST(Grammar, RepeatCopiesTheModel) {
-  Module::PauseNumber = 0;
   Module* m = parse("module m: repeat 3 { pause } end");
   auto* seq = dynamic_cast<Sn*>(m->getStatement());
   ASSERT_NE(seq, nullptr);
@@ -417,7 +408,6 @@ TEST(GrammarDeathTest, OddBytesAreSyntaxErrors) {
 }
 
 TEST(Grammar, Automaton) {
-  Module::TransitionNumber = 0;
   const std::string data = "data: Type: int; Constant: int C__1 := 1; end data ";
   Module* m = parse(data +
                     "module m: Input: i, j, v : int; Output: a, b, o : int;\n"

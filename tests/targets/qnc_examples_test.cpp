@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "common/quarn_test.h"
 #include "util/compilation.h"
 #include "equations/Bddexpression.h"
 #include "model/module.h"
@@ -13,11 +14,7 @@ namespace {
 
 
 Module* compileExample(const std::string& name) {
-  setenv("QUARN_BATCH", "1", 1);
-  Compilation::ModTable = new ModuleTable();
-  Compilation::GDataTypeTable = nullptr;
-  Compilation::GDataMethodTable = nullptr;
-  Compilation::GDataConstantTable = nullptr;
+  quarn_test::fresh_run();
   Compilation::qn_parse(std::string(QUARN_SOURCE_DIR) + "/examples/" + name + ".qn");
   Module* m = Compilation::ModTable->get(name);
   if (!m) return nullptr;

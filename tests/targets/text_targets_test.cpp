@@ -19,30 +19,13 @@
 #include "targets/report_display.h"
 #include "util/report.h"
 #include "text_check.h"
+#include "common/quarn_test.h"
 
 namespace {
 
-const bool kBatch = (setenv("QUARN_BATCH", "1", 1), true);
-
-// Names made by the compiler count statements and values over the run: start from zero
-// so that the text doesn't depend on what the process compiled before.
-void reset_counters() {
-  for (int* counter : {&Module::PauseNumber, &Module::NothingNumber, &Module::HaltNumber, &Module::ParallelNumber,
-                       &Module::SequenceNumber, &Module::PresentNumber, &Module::AbsentNumber, &Module::LoopNumber,
-                       &Module::LocalNumber, &Module::WaitNumber, &Module::AbortNumber, &Module::EmitNumber,
-                       &Module::NoEmitNumber, &Module::SustainUntilNumber, &Module::RunNumber,
-                       &Module::SustainNumber, &Module::AutomatonNumber, &Module::MealyMachineNumber,
-                       &Module::TransitionNumber, &DataExpr::Indexation})
-    *counter = 0;
-}
-
 // The module compiled from its source and the finalized copy that generators get.
 Module* finalized(const std::string& file, const std::string& name) {
-  reset_counters();
-  Compilation::ModTable = new ModuleTable();
-  Compilation::GDataTypeTable = nullptr;
-  Compilation::GDataMethodTable = nullptr;
-  Compilation::GDataConstantTable = nullptr;
+  quarn_test::fresh_run();  // names count statements over the run
   Compilation::qn_parse(file);
   Module* m = Compilation::ModTable->get(name);
   if (!m) return nullptr;
@@ -118,11 +101,7 @@ TEST(TextTargets, EveryTracedProgramParses) {
   std::sort(files.begin(), files.end());
   ASSERT_GT(files.size(), 10u);
   for (const std::string& file : files) {
-    reset_counters();
-    Compilation::ModTable = new ModuleTable();
-    Compilation::GDataTypeTable = nullptr;
-    Compilation::GDataMethodTable = nullptr;
-    Compilation::GDataConstantTable = nullptr;
+    quarn_test::fresh_run();
     Compilation::qn_parse(file);
     std::vector<std::string> names;
     for (const auto& [name, module] : *Compilation::ModTable->getTable()) names.push_back(name);
