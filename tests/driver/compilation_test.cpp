@@ -11,53 +11,8 @@
 
 namespace {
 
-// Fatal reports end the process: each runs in a death test, with boxes off.
-class Reports : public ::testing::Test {
- protected:
-  void SetUp() override { setenv("QUARN_BATCH", "1", 1); }
-};
-
-TEST_F(Reports, TextsOnTheErrorStreamAndExitOne) {
-  EXPECT_EXIT(Compilation::HashTableAddException("", "x"), ::testing::ExitedWithCode(1),
-              "^Exception in Hash Table: add:x is already defined\n$");
-  EXPECT_EXIT(Compilation::HashTableAddException("modules", "abro"), ::testing::ExitedWithCode(1),
-              "^Exception in Hash Table: modules: add:abro is already defined\n$");
-  EXPECT_EXIT(Compilation::ModulePertFailureException(), ::testing::ExitedWithCode(1),
-              "^Error: PERT failure \\.\\.\\. \n$");
-  EXPECT_EXIT(Compilation::IllegalOperationException("op"), ::testing::ExitedWithCode(1),
-              "^Error: Illegal operation!\nop\n$");
-  EXPECT_EXIT(Compilation::AlreadyDefinedException("m"), ::testing::ExitedWithCode(1),
-              "^Error: Already defined : m\n$");
-  EXPECT_EXIT(Compilation::UndefinedTypeException("T"), ::testing::ExitedWithCode(1),
-              "^Error: Undefined type: T\n$");
-}
-
-TEST_F(Reports, SourceFileThatCanNotBeOpened) {
-  EXPECT_EXIT(Compilation::qn_parse("/nonexistent/dir/x.qn"), ::testing::ExitedWithCode(1),
-              "Can not open input file:");
-  EXPECT_EXIT(Compilation::qn_parse("/"), ::testing::ExitedWithCode(1), "Can not open input file:");
-}
-
-TEST(Tables, ExistEmptyBeforeAnyParse) {
-  ASSERT_NE(Compilation::ModTable, nullptr);
-  ASSERT_NE(Compilation::QncModTable, nullptr);
-  EXPECT_TRUE(Compilation::ModTable->getTable()->empty());
-  EXPECT_TRUE(Compilation::QncModTable->getTable()->empty());
-  EXPECT_EQ(Compilation::ModTable->get("m"), nullptr);
-}
-
-TEST(Wires, Names) {
-  EXPECT_EQ(Compilation::createSETName("m"), "SETm");
-  EXPECT_EQ(Compilation::createRTLName("p", 12), "RTLp12");
-  EXPECT_EQ(Compilation::createACTIFPLUSName("s", 0), "ACTIFPLUSs0");
-  EXPECT_EQ(Compilation::createACTIFBISPLUSName("s"), "ACTIFBISPLUSs");
-  EXPECT_TRUE(Compilation::isStatusType(Compilation::SREG));
-  EXPECT_TRUE(Compilation::isValueType(Compilation::VUSEDPRE));
-  EXPECT_FALSE(Compilation::isStatusType(-2));
-  EXPECT_TRUE(Compilation::isStatusType(-3));
-}
-
-// Compiled module search over the -comp_files list.
+// Compiled module search over the -comp_files list: the first file whose first line
+// names the module, by substring, in list order.
 class QncSearch : public ::testing::Test {
  protected:
   void SetUp() override {

@@ -1,8 +1,7 @@
-// Hand-built modules for the finalization and C writer tests.
+// Hand-built modules for the finalization and netlist writer tests.
 #pragma once
 
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include "bdd/bddpp.h"
@@ -39,16 +38,6 @@ inline long index_named(Module& m, const std::string& var_name) {
 inline Bddexpression* equation(Module& m, const std::string& var_name) {
   long i = index_named(m, var_name);
   return i >= 0 ? m.getBddWood()->exp_by_index(i) : nullptr;
-}
-
-struct Texts {
-  std::string code, header;
-};
-
-inline Texts c_text(Module& m) {
-  std::ostringstream code, header;
-  m.C_put(code, header);
-  return {code.str(), header.str()};
 }
 
 }  // namespace c_test
