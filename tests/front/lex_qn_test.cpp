@@ -1,7 +1,6 @@
 // Token streams of the Quarn scanner.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <sstream>
 #include <string>
 #include <vector>

@@ -66,17 +66,4 @@ TEST(AutomatonDeterminism, NoConflict) {
   }
 }
 
-TEST(AutomatonDeterminism, PrioritySortKeepsTiesAndPutsOtherLast) {
-  Module* m = quarn_test::module_from_text(kHead +
-                    "transition: initial-> s0; s0 other [] -> s1; s0 3 [i] -> s1; s0 2 [j] -> "
-                    "s2; s0 [i and j] -> s0; s0 2 [i] -> s0; end");
-  ASSERT_NE(m, nullptr);
-  std::list<Transition*>* sorted = priority_sort(m->getStatement()->getTransitionList());
-  std::vector<int> priorities;
-  for (Transition* t : *sorted) priorities.push_back(t->getPriority());
-  EXPECT_EQ(priorities, (std::vector<int>{0, 0, 2, 2, 3, -1}));
-  auto it = std::next(sorted->begin(), 2);
-  EXPECT_EQ((*it)->getTarget()->getName(), "s2");  // the earlier of the two 2s
-}
-
 }  // namespace
