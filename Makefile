@@ -53,7 +53,8 @@ bench: bench-deps
 	@echo; echo "== summary"; for b in build/bench/*_bench; do \
 	  [ -f "$$b.out" ] && sed -n '/^summary/,$$p' "$$b.out" | sed "s|^|$$(basename $$b): |"; done
 
-# Each libFuzzer harness for FUZZ_TIME seconds (an input may take FUZZ_TIMEOUT), from the
+# Each libFuzzer harness for FUZZ_TIME seconds (an input may take FUZZ_TIMEOUT, a worker
+# FUZZ_RSS MB: a long .qnc run wants more than the default), from the
 # corpus in fuzz/corpus (new inputs go to build-fuzz/corpus, crashes to build-fuzz/crash-*).
 # A harness runs in fork mode: a compilation frees nothing, so a fresh worker process
 # takes over every few minutes instead of one process growing for the whole run;
@@ -61,6 +62,7 @@ bench: bench-deps
 # then FUZZ_COUNT random programs from FUZZ_SEED, checked differentially.
 FUZZ_TIME ?= 60
 FUZZ_TIMEOUT ?= 1
+FUZZ_RSS ?= 4096
 FUZZ_SEED ?= 1000
 FUZZ_COUNT ?= 1000
 FUZZ_HARNESSES := quarn qnc bddexp cmdline
@@ -71,7 +73,7 @@ fuzz: fuzz-deps
 	  mkdir -p build-fuzz/corpus/$$h; echo "*** fuzz_$$h for $(FUZZ_TIME) s"; \
 	  QUARN_BATCH=1 ASAN_OPTIONS=detect_leaks=0 build-fuzz/fuzz/fuzz_$$h build-fuzz/corpus/$$h fuzz/corpus/$$h \
 	    -fork=1 -print_funcs=0 -ignore_crashes=0 -ignore_ooms=0 -ignore_timeouts=0 \
-	    -max_total_time=$(FUZZ_TIME) -timeout=$(FUZZ_TIMEOUT) -max_len=4096 -rss_limit_mb=4096 -close_fd_mask=3 \
+	    -max_total_time=$(FUZZ_TIME) -timeout=$(FUZZ_TIMEOUT) -max_len=4096 -rss_limit_mb=$(FUZZ_RSS) -close_fd_mask=3 \
 	    -print_final_stats=1 -artifact_prefix=build-fuzz/crash-$$h- || exit 1; \
 	done
 	cmake -S . -B build-san -DCMAKE_BUILD_TYPE=Debug -DQUARN_SANITIZE=ON -DQUARN_TESTS=ON

@@ -16,7 +16,7 @@ class DataBinding;
 class Bddexpression;
 class Bddexpressionwood;
 class bdd;
-struct bdd_node;
+class bdd_node;
 
 // Name of a generated file: O empty gives module + ext; O that contains ext anywhere
 // (a search, not a test of the end) is used as it is; otherwise O + ext.
