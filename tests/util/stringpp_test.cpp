@@ -14,6 +14,7 @@ TEST(Stringpp, Numbers) {
   EXPECT_TRUE(checkuint("0123"));
   EXPECT_FALSE(checkuint(""));
   EXPECT_FALSE(checkuint("-1"));
+  EXPECT_FALSE(checkuint("12a"));
 }
 
 TEST(Stringpp, Cutting) {
