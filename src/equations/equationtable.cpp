@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <set>
+#include <vector>
 
 #include "bdd/bddpp.h"
 #include "util/compilation.h"

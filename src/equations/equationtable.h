@@ -4,7 +4,6 @@
 #pragma once
 
 #include <list>
-#include <vector>
 #include <string>
 
 class Bddexpression;

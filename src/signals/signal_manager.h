@@ -188,7 +188,6 @@ struct SignalRefTable {
   SignalRef** table;
 };
 
-// One per module: finds the records by current name and by variable index.
 // One "Pre:" declaration: pre carries the previous value of actual.
 class memorizedSignal {
  public:
@@ -205,6 +204,7 @@ class memorizedSignal {
   std::string initialValue_;
 };
 
+// One per module: finds the records by current name and by variable index.
 class SignalManager {
  public:
   SignalManager() = default;
